@@ -1,0 +1,13 @@
+# Everything the project builds with comes from Debian; scripts/install-dependencies has the package names.
+find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+find_package(CURL 7.88 REQUIRED)
+find_package(OpenSSL REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(ICU 72 REQUIRED COMPONENTS uc i18n)
+find_package(spdlog REQUIRED)
+find_package(fmt REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
+pkg_check_modules(MINIZIP REQUIRED IMPORTED_TARGET minizip)
