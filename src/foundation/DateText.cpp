@@ -1,7 +1,6 @@
 #include "foundation/DateText.h"
 
 #include <QRegularExpression>
-
 #include <unicode/smpdtfmt.h>
 
 #include <array>
@@ -11,9 +10,9 @@ namespace {
 
 int monthNumber(const QString& word)
 {
-    static constexpr std::array<const char16_t*, 12> names{u"january", u"february", u"march",     u"april",
-                                                           u"may",     u"june",     u"july",      u"august",
-                                                           u"september", u"october", u"november", u"december"};
+    static constexpr std::array<const char16_t*, 12> names{u"january",   u"february", u"march",    u"april",
+                                                           u"may",       u"june",     u"july",     u"august",
+                                                           u"september", u"october",  u"november", u"december"};
     const QString lower = word.toLower();
     if (lower.size() < 3)
         return 0;

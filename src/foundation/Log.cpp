@@ -9,25 +9,29 @@
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/sinks/syslog_sink.h>
 
-#include <sys/prctl.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <sys/prctl.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
 spdlog::level::level_enum spdlogLevel(Log::Level level)
 {
     switch (level) {
-    case Log::Level::Verbose: return spdlog::level::trace;
-    case Log::Level::Debug: return spdlog::level::debug;
-    case Log::Level::Info: return spdlog::level::info;
-    case Log::Level::Warning: return spdlog::level::warn;
-    case Log::Level::Error: return spdlog::level::err;
+    case Log::Level::Verbose:
+        return spdlog::level::trace;
+    case Log::Level::Debug:
+        return spdlog::level::debug;
+    case Log::Level::Info:
+        return spdlog::level::info;
+    case Log::Level::Warning:
+        return spdlog::level::warn;
+    case Log::Level::Error:
+        return spdlog::level::err;
     }
     return spdlog::level::info;
 }
@@ -85,8 +89,7 @@ public:
                   flushed->flush();
               }
           })
-    {
-    }
+    {}
 
 private:
     std::mutex m_mutex;

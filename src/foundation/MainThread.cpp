@@ -2,14 +2,13 @@
 
 #include <QSocketNotifier>
 
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <sys/eventfd.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 

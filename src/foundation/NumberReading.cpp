@@ -96,15 +96,18 @@ int NumberReading::intValue(const QVariant& value)
 double NumberReading::doubleValue(const QVariant& value)
 {
     switch (value.typeId()) {
-    case QMetaType::QString: return doubleValue(value.toString());
+    case QMetaType::QString:
+        return doubleValue(value.toString());
     case QMetaType::Bool:
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
     case QMetaType::Float:
-    case QMetaType::Double: return value.toDouble();
-    default: return 0;
+    case QMetaType::Double:
+        return value.toDouble();
+    default:
+        return 0;
     }
 }
 

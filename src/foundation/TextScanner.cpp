@@ -20,8 +20,7 @@ bool isWhite(QChar c)
 
 TextScanner::TextScanner(QString text, Qt::CaseSensitivity caseSensitivity)
     : m_text(std::move(text)), m_caseSensitivity(caseSensitivity)
-{
-}
+{}
 
 qsizetype TextScanner::afterWhiteSpace() const
 {

@@ -1,0 +1,6 @@
+#include "foundation/Version.h"
+
+QString applicationVersion()
+{
+    return QStringLiteral(QUILLPOST_VERSION);
+}
