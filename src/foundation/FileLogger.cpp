@@ -4,8 +4,10 @@
 #include <QDir>
 #include <QFile>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -24,6 +26,20 @@ void writeWhole(int descriptor, std::string_view bytes)
         }
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+}
+
+// A new file with this program's lock on it, or -1 with errno as it was; EWOULDBLOCK where another program holds it.
+int openLocked(const QByteArray& path)
+{
+    const int descriptor = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0600);
+    if (descriptor < 0)
+        return -1;
+    struct stat facts = {};
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && ::fstat(descriptor, &facts) == 0 && facts.st_nlink > 0)
+        return descriptor;
+    ::close(descriptor);
+    errno = EWOULDBLOCK;
+    return -1;
 }
 
 } // namespace
@@ -90,13 +106,20 @@ void FileLogger::roll()
     if (!QDir().mkpath(m_folder))
         return;
     deleteFilesOfEndedRuns();
-    m_path = QDir(m_folder).filePath(
-        QStringLiteral("Quillpost %1 %2.log")
-            .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss.zzz")))
-            .arg(::getpid()));
-    m_descriptor = ::open(QFile::encodeName(m_path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    if (m_descriptor >= 0)
-        ::flock(m_descriptor, LOCK_EX | LOCK_NB);
+    // Names hold the millisecond, so two that start in the same one must not share a file; and another program's
+    // sweep may take a file away before it is locked. Either way the next name will do.
+    constexpr int attempts = 1000;
+    for (int attempt = 0; attempt < attempts && m_descriptor < 0; ++attempt) {
+        m_path = QDir(m_folder).filePath(
+            QStringLiteral("Quillpost %1 %2.log")
+                .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss.zzz")))
+                .arg(::getpid()));
+        m_descriptor = openLocked(QFile::encodeName(m_path));
+        if (m_descriptor < 0 && errno != EEXIST && errno != EWOULDBLOCK)
+            return;
+        if (m_descriptor < 0)
+            ::usleep(200);
+    }
 }
 
 void FileLogger::deleteFilesOfEndedRuns()

@@ -20,6 +20,14 @@ QString storedKey(const QString& key)
                : key;
 }
 
+// QSettings makes its file with the user's mask but keeps the modes of one that is there.
+void makeForTheUserAlone(const QString& filePath)
+{
+    QFile file(filePath);
+    if (!file.exists() && file.open(QIODevice::NewOnly | QIODevice::WriteOnly))
+        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
 } // namespace
 
 UserDefaults::UserDefaults(const QString& filePath) : m_stored(filePath, QSettings::IniFormat)
@@ -81,6 +89,7 @@ void UserDefaults::setValue(const QString& key, const QVariant& value)
         const std::scoped_lock lock(m_mutex);
         if (m_stored.value(storedKey(key)) == value)
             return;
+        makeForTheUserAlone(m_stored.fileName());
         m_stored.setValue(storedKey(key), value);
     }
     Q_EMIT valueChanged(key);

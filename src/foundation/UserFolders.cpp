@@ -3,6 +3,10 @@
 #include "foundation/PathText.h"
 
 #include <QDir>
+#include <QFile>
+
+#include <pwd.h>
+#include <unistd.h>
 
 namespace {
 
@@ -40,5 +44,10 @@ QString UserFolders::logFolder()
 
 QString UserFolders::homeFolder()
 {
-    return QDir::homePath();
+    const QString home = qEnvironmentVariable("HOME");
+    if (QDir::isAbsolutePath(home))
+        return QDir::cleanPath(home);
+    // Services and jobs of the system run without the variable; Qt would then call the top folder a home.
+    const passwd* const account = getpwuid(getuid());
+    return account && account->pw_dir ? QDir::cleanPath(QFile::decodeName(account->pw_dir)) : QString();
 }

@@ -13,6 +13,7 @@ inline const QString executableName = QStringLiteral("Quillpost");
 [[nodiscard]] QString applicationSupportFolder();
 // The folder of the logs, in $XDG_STATE_HOME, else ~/.local/state.
 [[nodiscard]] QString logFolder();
+// $HOME, else the account's home; empty when there is neither.
 [[nodiscard]] QString homeFolder();
 
 } // namespace UserFolders
