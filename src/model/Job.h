@@ -226,7 +226,8 @@ private:
     void storeTotalMediaFileSizeLocked(std::optional<float> value, Signals& changes);
     void storeUploadedMediaFileSizeLocked(std::optional<float> value, Signals& changes);
     void changeRate(QVariant& field, const QVariant& value, Signal signal, bool isRushable);
-    void recalculateSum(float (*sum)(const MediaFiles&), void (Job::*storeLocked)(std::optional<float>, Signals&));
+    void recalculateSum(std::optional<float> (*sum)(const MediaFiles&),
+                        void (Job::*storeLocked)(std::optional<float>, Signals&));
     void observe(const std::shared_ptr<MediaFile>& mediaFile);
     void decodeMembers(const QJsonObject& archive);
     void decodeProducts(const QJsonObject& archive);

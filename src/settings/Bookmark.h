@@ -15,10 +15,10 @@ namespace Bookmark {
 struct Resolution
 {
     // Known as soon as the bookmark is readable, even where `error` says that nothing is there any more.
-    QString path;
+    QString path = {};
     // Another file or folder is at the path now.
     bool isStale = false;
-    std::optional<Error> error;
+    std::optional<Error> error = std::nullopt;
 };
 
 [[nodiscard]] std::variant<QByteArray, Error> create(const QString& path);
