@@ -49,9 +49,9 @@ struct Request
 // around the answer that the service gives anyhow.
 struct Override
 {
-    std::optional<int> status;         // with `reply` as its text
-    std::optional<std::string> reply;  // raw bytes
-    std::vector<std::string> pieces;   // the reply, sent piece by piece with `pause` between them
+    std::optional<int> status;        // with `reply` as its text
+    std::optional<std::string> reply; // raw bytes
+    std::vector<std::string> pieces;  // the reply, sent piece by piece with `pause` between them
     std::chrono::milliseconds pause{100};
     std::optional<std::string> location; // a redirect (302, or `status`) to this place
     std::chrono::milliseconds delay{0};  // before the answer
@@ -65,18 +65,18 @@ struct Segment
 {
     int number = 0; // from 1
     bool announced = false;
-    std::string sourceName;          // as announced
-    std::int64_t durationMs = 0;     // as announced
-    std::int64_t size = 0;           // of the source file, as announced
-    std::string modified;            // as announced
-    std::string product;             // as announced
-    std::string format;              // the streams description, decoded
+    std::string sourceName;      // as announced
+    std::int64_t durationMs = 0; // as announced
+    std::int64_t size = 0;       // of the source file, as announced
+    std::string modified;        // as announced
+    std::string product;         // as announced
+    std::string format;          // the streams description, decoded
     bool uploaded = false;
-    int uploads = 0;                 // how often its audio came
-    std::string uploadName;          // the destination name of the latest upload
+    int uploads = 0;        // how often its audio came
+    std::string uploadName; // the destination name of the latest upload
     std::int64_t uploadDurationMs = 0;
-    std::string audio;               // the bytes of the latest upload
-    std::string word;                // its status as the status reply gives it
+    std::string audio; // the bytes of the latest upload
+    std::string word;  // its status as the status reply gives it
     int score = -1;
 };
 

@@ -55,8 +55,8 @@ struct Options
     // Asked again, once each, of every job that has such a segment.
     std::vector<Again> again;
 
-    bool sendLogs = false; // asks for the log once
-    bool logFormat = true; // whether the LOG delivery format is available
+    bool sendLogs = false;                     // asks for the log once
+    bool logFormat = true;                     // whether the LOG delivery format is available
     std::string deliveryOption = "Deposition"; // "ShortCaption" or "" are the others
     Rates rates;
 
