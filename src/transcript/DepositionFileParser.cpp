@@ -1,0 +1,222 @@
+#include "DepositionFileParser.h"
+
+#include "DeponentName.h"
+#include "LineWords.h"
+#include "TranscriptText.h"
+
+#include "foundation/Log.h"
+#include "foundation/NumberReading.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace {
+
+// How far from the deponent's line the date is looked for first.
+constexpr qsizetype linesAround = 8;
+
+struct Month
+{
+    QStringView name;
+    QStringView abbreviation;
+};
+
+// "sept." alone has four letters, and "may" is an English word too.
+constexpr std::array<Month, 12> months{{{u"january", u"jan."},
+                                        {u"february", u"feb."},
+                                        {u"march", u"mar."},
+                                        {u"april", u"apr."},
+                                        {u"may", u"may"},
+                                        {u"june", u"jun."},
+                                        {u"july", u"jul."},
+                                        {u"august", u"aug."},
+                                        {u"september", u"sept."},
+                                        {u"october", u"oct."},
+                                        {u"november", u"nov."},
+                                        {u"december", u"dec."}}};
+
+struct FoundDate
+{
+    int day = 0;
+    const Month* month = nullptr;
+    int year = 0;
+};
+
+const Month* monthOfWord(QStringView word)
+{
+    // No letter lowercases to fewer code units, so a longer word is no month.
+    if (word.size() < 3 || word.size() > 9)
+        return nullptr;
+    const QString lower = word.toString().toLower();
+    const auto* const month = std::find_if(months.begin(), months.end(),
+                                           [&](const Month& m) { return lower == m.name || lower == m.abbreviation; });
+    return month == months.end() ? nullptr : month;
+}
+
+int number(QStringView word)
+{
+    return NumberReading::intValue(word.toString());
+}
+
+// The year of a month that ends its line: the first or second word of the line below, with its comma.
+int yearBelow(const QStringList& lines, qsizetype line)
+{
+    qsizetype below = line + 1;
+    if (below < lines.size() && lines.at(below).isEmpty())
+        ++below;
+    if (below >= lines.size())
+        return 0;
+    LineWords words(lines.at(below));
+    for (qsizetype w = 0; w < 2; ++w) {
+        const QStringView word = words.word(w);
+        if (word.endsWith(u',') && number(word) != 0)
+            return number(word);
+    }
+    return 0;
+}
+
+FoundDate dateOnLine(const QStringList& lines, qsizetype line)
+{
+    FoundDate found;
+    LineWords words(lines.at(line));
+    const qsizetype count = words.count();
+    for (qsizetype w = 0; w < count; ++w) {
+        const Month* const month = monthOfWord(words.word(w));
+        if (month == nullptr)
+            continue;
+        // A later month on the line replaces an earlier one.
+        found.month = month;
+        found.day = number(words.word(w + 1));
+        found.year = w < count - 1 ? number(words.word(w + 2)) : yearBelow(lines, line);
+    }
+    return found;
+}
+
+FoundDate dateOnLines(const QStringList& lines, qsizetype startLine, qsizetype endLine)
+{
+    FoundDate found;
+    for (qsizetype i = std::max<qsizetype>(startLine, 0); i < std::min(endLine, lines.size()); ++i) {
+        found = dateOnLine(lines, i);
+        if (found.month != nullptr)
+            break;
+    }
+    return found;
+}
+
+// What the deponent's line says after the phrase; nothing where the line is not of that kind.
+std::optional<QString> nameAfterPhrase(const QString& line)
+{
+    static const QString phrase = QStringLiteral("deposition of");
+    const QString lower = line.toLower();
+    qsizetype position = lower.indexOf(phrase);
+    if (position < 0)
+        return std::nullopt;
+    position += phrase.size();
+    if (position < lower.size()) {
+        const QChar next = lower.at(position);
+        if (next == u':')
+            ++position;
+        // The line as written may be shorter than its lowercase form.
+        if (line.size() - position < 2 || (next != u':' && next != u' '))
+            return std::nullopt;
+    }
+    const QString name = line.mid(position);
+    return name.left(name.indexOf(u','));
+}
+
+// The line below the deponent's, or the one after an empty line, without the number in its margin.
+QString continuation(const QStringList& lines, qsizetype line)
+{
+    QString next = DeponentName::trimmed(lines.at(line + 1), u" \t");
+    if (next.isEmpty() && line + 2 < lines.size())
+        next = lines.at(line + 2);
+    return DeponentName::withoutMarginNumbers(next);
+}
+
+} // namespace
+
+std::shared_ptr<DepositionFileParser> DepositionFileParser::depositionFileParserWithPath(const QString& path)
+{
+    const TranscriptText::Reading reading = TranscriptText::read(path);
+    if (!reading.text) {
+        Log::error("Error {}", reading.error);
+        return nullptr;
+    }
+    const QStringList lines = reading.text->split(QStringLiteral("\r\n"));
+    auto parser = std::make_shared<DepositionFileParser>();
+    const qsizetype deponentLine = parser->findDeponent(lines);
+    parser->findDepoDate(lines, std::max<qsizetype>(deponentLine - linesAround, 0),
+                         std::min(deponentLine + linesAround, lines.size() - 1));
+    return parser;
+}
+
+qsizetype DepositionFileParser::getNumWords(const QString& text)
+{
+    return LineWords(text).count();
+}
+
+QString DepositionFileParser::getWord(const QString& text, qsizetype num)
+{
+    return LineWords(text).word(num).toString();
+}
+
+qsizetype DepositionFileParser::getWordPos(const QString& text, qsizetype num)
+{
+    return LineWords(text).position(num);
+}
+
+QStringList DepositionFileParser::wordArray(const QString& text)
+{
+    QStringList words;
+    QString word;
+    for (const QChar c : text) {
+        if (!DeponentName::isHorizontalSpace(c)) {
+            word += c;
+        } else if (!word.isEmpty()) {
+            words += word;
+            word.clear();
+        }
+    }
+    if (!word.isEmpty())
+        words += word;
+    return words;
+}
+
+int DepositionFileParser::findDeponent(const QStringList& lines)
+{
+    bool corporateWitness = false;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        corporateWitness = corporateWitness || lines.at(i).contains(u"30(b)(6)");
+        std::optional<QString> name = nameAfterPhrase(lines.at(i));
+        if (!name)
+            continue;
+        if (i + 1 < lines.size())
+            *name += u' ' + continuation(lines, i);
+        const auto names = DeponentName::split(DeponentName::candidate(*std::move(name)), corporateWitness);
+        if (!names)
+            throw DeponentNameOutOfRange();
+        setDeponentLastName(names->last);
+        setDeponentFirstName(names->first);
+        return static_cast<int>(i);
+    }
+    return 0;
+}
+
+void DepositionFileParser::findDepoDate(const QStringList& lines, qsizetype startLine, qsizetype endLine)
+{
+    const auto isComplete = [](const FoundDate& date) {
+        return date.month != nullptr && date.day != 0 && date.year != 0;
+    };
+    FoundDate date = dateOnLines(lines, startLine, endLine);
+    const qsizetype lastLine = lines.size() - 1;
+    if (!isComplete(date) && (startLine != 0 || endLine != lastLine))
+        date = dateOnLines(lines, 0, lastLine);
+    if (!isComplete(date)) {
+        setDateString({});
+        return;
+    }
+    setDateString(Text::format("{} {} {}", QString::number(date.day).rightJustified(2, u'0'),
+                               date.month->name.toString(), date.year));
+}
