@@ -1,0 +1,225 @@
+#include "commands/DownloadJobFilesCommand.h"
+
+#include "archive/ZipArchive.h"
+#include "commands/DeliveryPath.h"
+#include "commands/DownloadFileCommand.h"
+#include "commands/MiscStuffCommand.h"
+#include "commands/RegularDownloadFileCommand.h"
+#include "foundation/DateText.h"
+#include "foundation/Log.h"
+#include "foundation/NumberReading.h"
+#include "foundation/PathText.h"
+#include "foundation/Text.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <curl/curl.h>
+
+namespace {
+
+// A service that never ends its listing must not fill the memory.
+constexpr int mostResultFiles = 100'000;
+
+const QString downloadPath = QStringLiteral("/saltine/test_downloadjob2.php");
+
+struct DemoDiscFile
+{
+    QString path;
+    QString subFolder;
+};
+
+const std::vector<DemoDiscFile>& demoDiscFiles()
+{
+    static const std::vector<DemoDiscFile> files{
+        {QStringLiteral("/DemoDisc/OstrovizerDownloader.exe"), QStringLiteral("Ostrova")},
+        {QStringLiteral("/DemoDisc/autorun.inf"), QStringLiteral("Ostrova")},
+        {QStringLiteral("/Korvane_ReadMe.txt"), QStringLiteral("Korvane")}};
+    return files;
+}
+
+} // namespace
+
+DownloadJobFilesCommand::DownloadJobFilesCommand(const ServiceHosts& hosts, QString user, QString password,
+                                                 std::shared_ptr<Job> job, QString folderPath)
+    : CUrlCommand(hosts.secureUrl(downloadPath)), m_hosts(hosts), m_username(std::move(user)),
+      m_password(std::move(password)), m_job(std::move(job)), m_folderPath(std::move(folderPath))
+{}
+
+std::shared_ptr<DownloadJobFilesCommand>
+DownloadJobFilesCommand::downloadJobFilesCommandWithUser(const ServiceHosts& hosts, const QString& user,
+                                                         const QString& password, const std::shared_ptr<Job>& job,
+                                                         const QString& folderPath)
+{
+    return std::make_shared<DownloadJobFilesCommand>(hosts, user, password, job, folderPath);
+}
+
+int DownloadJobFilesCommand::depoNum() const
+{
+    return NumberReading::valueOrZero(m_job->depoNum());
+}
+
+void DownloadJobFilesCommand::executeNested(const std::shared_ptr<CUrlCommand>& command)
+{
+    {
+        const std::scoped_lock lock(m_nestedMutex);
+        m_nested = command;
+        if (isCancelled())
+            command->cancel();
+    }
+    command->execute();
+    const std::scoped_lock lock(m_nestedMutex);
+    m_nested.reset();
+}
+
+void DownloadJobFilesCommand::cancel()
+{
+    CUrlCommand::cancel();
+    const std::scoped_lock lock(m_nestedMutex);
+    if (m_nested)
+        m_nested->cancel();
+}
+
+std::shared_ptr<CUrlCommand> DownloadJobFilesCommand::downloadRequest(const QString& ending) const
+{
+    auto request = std::make_shared<CUrlCommand>(m_hosts.secureUrl(downloadPath));
+    request->setString(Text::format("user={}&pass={}&depo={}&{}", m_username, m_password, depoNum(), ending),
+                       CURLOPT_POSTFIELDS);
+    return request;
+}
+
+void DownloadJobFilesCommand::execute()
+{
+    const QStringList names = listResultFiles();
+    const int numberOfFiles = static_cast<int>(names.size());
+    reportProgress(0, numberOfFiles);
+
+    const std::optional<QString> jobFolder = retriveLocalIntermediatePath();
+    if (isCancelled())
+        setResult(CURLE_ABORTED_BY_CALLBACK);
+    if (!jobFolder || isCancelled())
+        return;
+    const QString jobFolderPath = PathText::appendingPathComponent(m_folderPath, DeliveryPath::jobFolder(*jobFolder));
+
+    for (int i = 0; i < numberOfFiles && !isCancelled(); ++i) {
+        downloadResultFile(i, names.at(i), jobFolderPath);
+        reportProgress(i, numberOfFiles);
+    }
+    downloadDemoDiscFiles(jobFolderPath);
+    // A delivery cut short by the end of the program is not a delivery.
+    if (isCancelled())
+        setResult(CURLE_ABORTED_BY_CALLBACK);
+    else
+        markDelivered(numberOfFiles);
+}
+
+QStringList DownloadJobFilesCommand::listResultFiles()
+{
+    QStringList names;
+    while (names.size() < mostResultFiles && !isCancelled()) {
+        const auto request = downloadRequest(Text::format("file_num={}&just_get_name=1", names.size()));
+        executeNested(request);
+        const QString name = request->dataAsString();
+        Log::system("{}", name);
+        if (name.isEmpty())
+            break;
+        names << name;
+    }
+    return names;
+}
+
+std::optional<QString> DownloadJobFilesCommand::askJobFact(const QString& extraFormData)
+{
+    const auto request =
+        MiscStuffCommand::miscStuffCommandWithUser(m_hosts, m_username, m_password, depoNum(), extraFormData);
+    executeNested(request);
+    if (request->result() != 0) {
+        setResult(request->result());
+        return std::nullopt;
+    }
+    return request->dataAsString();
+}
+
+std::optional<QString> DownloadJobFilesCommand::retriveLocalIntermediatePath()
+{
+    const std::optional<QString> option = askJobFact(QStringLiteral("field=delivery_option"));
+    if (!option)
+        return std::nullopt;
+    if (*option == u"Deposition") {
+        const std::optional<QString> deponent = askJobFact(QStringLiteral("field=deponent2"));
+        if (!deponent)
+            return std::nullopt;
+        const std::optional<QString> dateReply = askJobFact(QStringLiteral("field=depo_date"));
+        if (!dateReply)
+            return std::nullopt;
+        const auto date = DateText::readLeniently(*dateReply);
+        if (!date)
+            Log::error("Unable to read date of depo={}: {}", depoNum(), *dateReply);
+        return Text::format("{}_{}_{}", *deponent,
+                            date ? DateText::format(*date, QStringLiteral("MMddyy")) : QStringLiteral("undated"),
+                            depoNum());
+    }
+    if (*option == u"ShortCaption") {
+        const std::optional<QString> caption = askJobFact(QString());
+        if (!caption)
+            return std::nullopt;
+        return caption->isEmpty() ? QStringLiteral("no_caption") : *caption;
+    }
+    return QString();
+}
+
+void DownloadJobFilesCommand::downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath)
+{
+    const QString name = DeliveryPath::fileName(listedName);
+    const std::optional<QString> subFolder = DeliveryPath::fileTypeSubFolder(name);
+    const QString destination = PathText::appendingPathComponent(
+        PathText::appendingPathComponent(jobFolderPath, subFolder.value_or(QString())), name);
+
+    Log::info("Start downloading file: {}", destination);
+    executeNested(DownloadFileCommand::downloadFileCommandWithUser(m_hosts, m_username, m_password, depoNum(), number,
+                                                                   destination));
+    Log::info("Done downloading file: {}", destination);
+
+    if (subFolder == QStringLiteral("Korvane") && PathText::pathExtension(destination) == u"zip")
+        unzip(destination);
+}
+
+void DownloadJobFilesCommand::unzip(const QString& archivePath)
+{
+    Log::info("Unzipping file: {}", archivePath);
+    ZipArchive archive;
+    if (!archive.UnzipOpenFile(archivePath))
+        return;
+    const bool unzipped = archive.UnzipFileTo(QFileInfo(archivePath).path(), /*overWrite=*/true);
+    archive.UnzipCloseFile();
+    if (unzipped) {
+        Log::info("Unzipped sucessfully");
+        QFile::remove(archivePath);
+    } else {
+        Log::error("Unzip error");
+    }
+}
+
+void DownloadJobFilesCommand::downloadDemoDiscFiles(const QString& jobFolderPath)
+{
+    for (const DemoDiscFile& file : demoDiscFiles()) {
+        const QString url = m_hosts.fileUrl(file.path);
+        const QString folder = PathText::appendingPathComponent(jobFolderPath, file.subFolder);
+        Log::info("Start downloading file: {}", url);
+        executeNested(RegularDownloadFileCommand::RegularDownloadFileCommandWithURL(
+            url, PathText::appendingPathComponent(folder, PathText::lastPathComponent(file.path))));
+        Log::info("Done downloading file: {}", url);
+    }
+}
+
+void DownloadJobFilesCommand::markDelivered(int numberOfFiles)
+{
+    Log::info("Changing job(DepoNum = {}) server status to Done", depoNum());
+    executeNested(downloadRequest(Text::format("starting_point=0&file_num={}", numberOfFiles)));
+    Log::info("Changed job(DepoNum = {}) server status to Done", depoNum());
+}
+
+void DownloadJobFilesCommand::reportProgress(int done, int total)
+{
+    if (CUrlCommandResultObserver* const toTell = observer())
+        toTell->curlCommandProgress(*this, done, total, 0, 0);
+}

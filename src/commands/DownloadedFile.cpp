@@ -1,0 +1,36 @@
+#include "commands/DownloadedFile.h"
+
+#include "foundation/Log.h"
+
+namespace {
+
+constexpr qsizetype initialCapacity = 16384;
+
+} // namespace
+
+DownloadedFile::DownloadedFile()
+{
+    m_downloadedData.reserve(initialCapacity);
+}
+
+bool DownloadedFile::create(const QString& path)
+{
+    m_outputFile.setFileName(path);
+    return m_outputFile.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
+}
+
+std::size_t DownloadedFile::append(const char* bytes, std::size_t size, std::size_t number)
+{
+    m_downloadedData.append(bytes, static_cast<qsizetype>(size * number));
+    return size * number;
+}
+
+void DownloadedFile::writeOut()
+{
+    if (!m_outputFile.isOpen())
+        return;
+    m_outputFile.seek(m_outputFile.size());
+    if (m_outputFile.write(m_downloadedData) != m_downloadedData.size())
+        Log::error("Unable to write file: {}, error = {}", m_outputFile.fileName(), m_outputFile.errorString());
+    m_downloadedData.clear();
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+
+#include <cstddef>
+
+// Where a download command puts what it receives: memory until the transfer ends, then the end of a file that was
+// made empty before. Used on one thread at a time.
+class DownloadedFile
+{
+public:
+    DownloadedFile();
+
+    // Makes an empty file at `path` in place of any file there. Folders are not made.
+    bool create(const QString& path);
+    std::size_t append(const char* bytes, std::size_t size, std::size_t number);
+    // Everything received, in one go; also after a transfer that failed.
+    void writeOut();
+
+private:
+    QFile m_outputFile;
+    QByteArray m_downloadedData;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "commands/CUrlCommand.h"
+#include "commands/DownloadedFile.h"
+
+// Fetches any URL into a local file. An old file is replaced; folders are not made, so without its folder the file is
+// not written.
+class RegularDownloadFileCommand : public CUrlCommand
+{
+public:
+    RegularDownloadFileCommand(const QString& url, const QString& destinationPath);
+    // The capital is part of the operation's name.
+    [[nodiscard]] static std::shared_ptr<RegularDownloadFileCommand>
+    RegularDownloadFileCommandWithURL(const QString& url, const QString& destinationPath);
+
+    void execute() override;
+    std::size_t regularDownloadCallback(const char* bytes, std::size_t size, std::size_t number);
+
+private:
+    DownloadedFile m_downloadedFile;
+};

@@ -1,0 +1,182 @@
+#include "engine/JobModel.h"
+
+#include "commands/CUrlCommandProcessor.h"
+#include "foundation/Log.h"
+#include "foundation/MainThread.h"
+#include "foundation/NumberReading.h"
+
+#include <algorithm>
+
+JobModel::JobModel(ApplicationServices& services, ServiceHosts hosts) : m_services(services), m_hosts(std::move(hosts))
+{
+    m_statusTimer.setSingleShot(true);
+    m_instructionsTimer.setSingleShot(true);
+    connect(&m_statusTimer, &QTimer::timeout, this, &JobModel::checkJobsStatusOnServer);
+    connect(&m_instructionsTimer, &QTimer::timeout, this, &JobModel::getInstructions);
+}
+
+JobModel::~JobModel()
+{
+    endWork();
+}
+
+QString JobModel::tempFilesFolder() const
+{
+    const std::scoped_lock lock(m_workMutex);
+    return m_tempFilesFolder;
+}
+
+void JobModel::setTempFilesFolder(const QString& folder)
+{
+    const std::scoped_lock lock(m_workMutex);
+    m_tempFilesFolder = folder;
+}
+
+QString JobModel::username() const
+{
+    const std::scoped_lock lock(m_workMutex);
+    return m_username;
+}
+
+void JobModel::setUsername(const QString& username)
+{
+    const std::scoped_lock lock(m_workMutex);
+    m_username = username;
+}
+
+QString JobModel::password() const
+{
+    const std::scoped_lock lock(m_workMutex);
+    return m_password;
+}
+
+void JobModel::setPassword(const QString& password)
+{
+    const std::scoped_lock lock(m_workMutex);
+    m_password = password;
+}
+
+std::vector<JobModel::JobPointer> JobModel::jobs() const
+{
+    const std::scoped_lock lock(m_jobsMutex);
+    return m_jobs;
+}
+
+void JobModel::addJobsObject(const JobPointer& job)
+{
+    bool isNew = false;
+    {
+        const std::scoped_lock lock(m_jobsMutex);
+        isNew = m_jobSet.insert(job.get()).second;
+        if (isNew)
+            m_jobs.push_back(job);
+    }
+    if (isNew) {
+        if (m_isDepoIndexInUse)
+            m_depoIndex.try_emplace(NumberReading::valueOrZero(job->depoNum()), job);
+        Q_EMIT jobAdded(job);
+    }
+    checkJobsStatusOnServer();
+}
+
+void JobModel::removeJobsObject(const JobPointer& job)
+{
+    const JobPointer removed = job; // The argument may be the set's own.
+    {
+        const std::scoped_lock lock(m_jobsMutex);
+        if (m_jobSet.erase(removed.get()) == 0)
+            return;
+        std::erase(m_jobs, removed);
+    }
+    if (m_isDepoIndexInUse)
+        std::erase_if(m_depoIndex, [&](const auto& entry) { return entry.second == removed; });
+    Q_EMIT jobRemoved(removed);
+}
+
+JobModel::JobPointer JobModel::findJobWithDepoNum(int depoNum) const
+{
+    if (m_isDepoIndexInUse) {
+        const auto found = m_depoIndex.find(depoNum);
+        return found == m_depoIndex.end() ? nullptr : found->second;
+    }
+    const std::scoped_lock lock(m_jobsMutex);
+    const auto found = std::find_if(m_jobs.begin(), m_jobs.end(), [=](const JobPointer& job) {
+        return NumberReading::valueOrZero(job->depoNum()) == depoNum;
+    });
+    return found == m_jobs.end() ? nullptr : *found;
+}
+
+void JobModel::resetAndLoadFromServer()
+{
+    for (const JobPointer& job : jobs())
+        removeJobsObject(job);
+    checkJobsStatusOnServer();
+}
+
+void JobModel::setHasUncompletedLocalJobs(bool has)
+{
+    m_hasUncompletedLocalJobs = has;
+    Q_EMIT hasUncompletedLocalJobsChanged();
+}
+
+void JobModel::setIsCheckingJobStatus(bool is)
+{
+    m_isCheckingJobStatus = is;
+    Q_EMIT isCheckingJobStatusChanged();
+}
+
+void JobModel::setIsGettingInstructions(bool is)
+{
+    m_isGettingInstructions = is;
+    Q_EMIT isGettingInstructionsChanged();
+}
+
+void JobModel::startJobProcessing()
+{
+    if (m_isEnding)
+        return;
+    m_doFindAndProcessJobs = true;
+    m_threads.start("finder", [this] { jobToProcessFinderThreadProc(); });
+    checkJobsStatusOnServer();
+}
+
+void JobModel::stopJobProcessing()
+{
+    m_doFindAndProcessJobs = false;
+}
+
+void JobModel::endWork()
+{
+    m_isEnding = true;
+    m_doFindAndProcessJobs = false;
+    m_statusTimer.stop();
+    m_instructionsTimer.stop();
+    m_ffmpegProcessesGate.giveUp();
+    m_uploadGate.giveUp();
+    {
+        const std::scoped_lock lock(m_workMutex);
+        for (const auto& extractor : m_runningExtractors)
+            extractor->terminate();
+    }
+    m_finderWake.notify_all();
+    while (!m_threads.waitUntilAllEnded(std::chrono::seconds(1)))
+        Log::warning("Waiting for {} threads of the engine", m_threads.count());
+}
+
+void JobModel::post(const std::shared_ptr<CUrlCommand>& command)
+{
+    command->setObserver(this);
+    if (m_curlCommandProcessor && !m_isEnding)
+        m_curlCommandProcessor->postCommand(command);
+}
+
+void JobModel::presentError(const QString& description)
+{
+    m_services.presentError({ErrorDomain::SyncBase, 0, description});
+}
+
+void JobModel::presentErrorAndStop(const JobPointer& job, const QString& description)
+{
+    presentError(description);
+    Q_EMIT jobStopped(job, description);
+}

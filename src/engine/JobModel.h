@@ -1,0 +1,242 @@
+#pragma once
+
+#include "commands/CUrlCommandResultObserver.h"
+#include "engine/CountingGate.h"
+#include "engine/UploadGate.h"
+#include "foundation/ApplicationServices.h"
+#include "foundation/WorkerThreads.h"
+#include "media/AudioExtractor.h"
+#include "model/Job.h"
+#include "settings/ServiceHosts.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+class AddJobSegmentsCommand;
+class CUrlCommand;
+class CUrlCommandProcessor;
+class UploadCommand;
+
+// The engine: owns the jobs, moves each from submission to its delivered files, and keeps the unfinished ones between
+// runs. A finder thread looks for a job whose next step is due and hands it to the main thread; reading and converting
+// media run on threads of their own behind a gate, uploads behind another; two timers poll the service.
+//
+// Made on the main thread, where all operations are called and all signals come, unless said otherwise. The services
+// are not owned and must outlive it; the command processor is not owned and must live until endWork() has returned, and
+// end before this object, which its commands observe. Times are in seconds.
+class JobModel : public QObject, public CUrlCommandResultObserver, public AudioExtractorErrorObserver
+{
+    Q_OBJECT
+    Q_PROPERTY(bool hasUncompletedLocalJobs READ hasUncompletedLocalJobs WRITE setHasUncompletedLocalJobs NOTIFY
+                   hasUncompletedLocalJobsChanged)
+    Q_PROPERTY(bool isCheckingJobStatus READ isCheckingJobStatus WRITE setIsCheckingJobStatus NOTIFY
+                   isCheckingJobStatusChanged)
+    Q_PROPERTY(bool isGettingInstructions READ isGettingInstructions WRITE setIsGettingInstructions NOTIFY
+                   isGettingInstructionsChanged)
+public:
+    using JobPointer = std::shared_ptr<Job>;
+    using MediaFilePointer = std::shared_ptr<MediaFile>;
+
+    JobModel(ApplicationServices& services, ServiceHosts hosts);
+    ~JobModel() override; // endWork()
+
+    // --- Settings and credentials -----------------------------------------------------------------------------------
+    void setCurlCommandProcessor(CUrlCommandProcessor* processor) { m_curlCommandProcessor = processor; }
+    [[nodiscard]] QString tempFilesFolder() const;
+    void setTempFilesFolder(const QString& folder);
+    [[nodiscard]] QString deliveryFolder() const { return m_deliveryFolder; }
+    void setDeliveryFolder(const QString& folder) { m_deliveryFolder = folder; }
+    [[nodiscard]] int maxNumberOfRunningFfmpegProcesses() const { return m_ffmpegProcessesGate.maximum(); }
+    // Lets one thread that waits for a converter test the new limit.
+    void setMaxNumberOfRunningFfmpegProcesses(int number) { m_ffmpegProcessesGate.setMaximum(number); }
+    [[nodiscard]] int numberOfRunningFfmpegProcesses() const { return m_ffmpegProcessesGate.count(); }
+    [[nodiscard]] int maxNumberOfRunningUploads() const { return m_uploadGate.maximum(); }
+    void setMaxNumberOfRunningUploads(int number) { m_uploadGate.setMaximum(number); }
+    void setMaxNumberOfRunningUploadss(int number) { m_uploadGate.setMaximum(number); }
+    [[nodiscard]] int numberOfRunningUploads() const { return m_uploadGate.count(); }
+    [[nodiscard]] bool isOnlyDownloadJobsSentFromThisMachine() const { return m_isOnlyDownloadJobsSentFromThisMachine; }
+    void setIsOnlyDownloadJobsSentFromThisMachine(bool only) { m_isOnlyDownloadJobsSentFromThisMachine = only; }
+    [[nodiscard]] QString username() const;
+    void setUsername(const QString& username);
+    [[nodiscard]] QString password() const;
+    void setPassword(const QString& password);
+    [[nodiscard]] QString contactID() const { return m_contactID; }
+    void setContactID(const QString& contactID) { m_contactID = contactID; }
+    [[nodiscard]] double statusCheckTimeInterval() const { return m_statusCheckTimeInterval; }
+    void setStatusCheckTimeInterval(double seconds) { m_statusCheckTimeInterval = seconds; }
+    [[nodiscard]] double instructionsCheckTimeInterval() const { return m_instructionsCheckTimeInterval; }
+    void setInstructionsCheckTimeInterval(double seconds) { m_instructionsCheckTimeInterval = seconds; }
+    // How long the finder sleeps when it found nothing.
+    void setFinderSleepInterval(double seconds) { m_finderSleepInterval = seconds; }
+
+    // --- The jobs ---------------------------------------------------------------------------------------------------
+    // In the order in which they were added.
+    [[nodiscard]] std::vector<JobPointer> jobs() const;
+    // Adds the job, unless it is there, and starts the polls afresh.
+    void addJobsObject(const JobPointer& job);
+    void removeJobsObject(const JobPointer& job);
+    // Null when no job has the number. A job without a number counts as 0.
+    [[nodiscard]] JobPointer findJobWithDepoNum(int depoNum) const;
+    // Drops every job, local work included, and builds the list anew from the service.
+    void resetAndLoadFromServer();
+
+    [[nodiscard]] bool hasUncompletedLocalJobs() const { return m_hasUncompletedLocalJobs; }
+    void setHasUncompletedLocalJobs(bool has);
+    [[nodiscard]] bool isCheckingJobStatus() const { return m_isCheckingJobStatus; }
+    void setIsCheckingJobStatus(bool is);
+    [[nodiscard]] bool isGettingInstructions() const { return m_isGettingInstructions; }
+    void setIsGettingInstructions(bool is);
+
+    // --- Processing -------------------------------------------------------------------------------------------------
+    void startJobProcessing();
+    // The finder ends with its current pass; other work runs on.
+    void stopJobProcessing();
+    [[nodiscard]] bool doFindAndProcessJobs() const { return m_doFindAndProcessJobs; }
+    // For the end of the program: stops the polls, gives up the gates, ends the ffmpeg children and waits for the
+    // threads, running here what they wait for. Nothing starts again after it.
+    void endWork();
+    // Every place at the upload gate is held by an upload that got no reply: files that wait for one wait for ever.
+    [[nodiscard]] bool isUploadGateBlocked() const { return m_uploadGate.isBlocked(); }
+
+    // --- Persistence ------------------------------------------------------------------------------------------------
+    // The user's unfinished local jobs, in "State_<user name>.archive" in the folder. A failure is logged.
+    void saveState(const QString& folder);
+    // Adds the saved jobs and goes on with what was interrupted. Does nothing without a user name; a file that is
+    // missing or cannot be read yields no jobs.
+    void loadState(const QString& folder);
+    [[nodiscard]] QString stateFilePath(const QString& folder) const;
+    // The converted files of local jobs that are uploaded.
+    void deleteTempFiles();
+
+    // --- Steps of a job, called by the finder's dispatch and by each other
+    // --------------------------------------------
+    void foundJobToProces(const JobPointer& job);
+    void submitJobDetails(const JobPointer& job);
+    void extractMediaFilesInfo(const JobPointer& job);
+    void extractMediaFileInfoFinished(const MediaFilePointer& mediaFile);
+    void convertToMP3AndUpload(const JobPointer& job);
+    void conversionToMp3Finished(const JobPointer& job, const MediaFilePointer& mediaFile);
+    void addMediaFileSegment(const MediaFilePointer& mediaFile, const JobPointer& job);
+    void uploadMediaFile(const MediaFilePointer& mediaFile, const JobPointer& job); // any thread
+    void uploadTranscript(const JobPointer& job);
+    void reprocessJob(const JobPointer& job);
+    void downloadJob(const JobPointer& job);
+    [[nodiscard]] QString transcriptDestFileNameForJob(const Job& job) const;
+    [[nodiscard]] QString mediaDestFileNameForJob(const Job& job, int segment) const;
+
+    // --- The service's replies
+    // ----------------------------------------------------------------------------------------
+    void processJobSubmitJobDetailsResponse(const JobPointer& job, const QString& response);
+    void processJobAddMediaFileSegmentResponse(const JobPointer& job, const MediaFilePointer& mediaFile,
+                                               const QString& response);
+    void processJobSetMediaFileFormatResponse(const JobPointer& job, const MediaFilePointer& mediaFile,
+                                              const QString& response);
+    void processJobUploadedJobFileResponse(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
+                                           const QString& response);
+    void processJobDownloadJobResponse(const JobPointer& job, const QString& response);
+
+    // --- Polls
+    // -------------------------------------------------------------------------------------------------------- Restarts
+    // the period; sends a request unless one is outstanding; asks for instructions. Goes on by itself until every job
+    // is completed.
+    void checkJobsStatusOnServer();
+    void processCheckJobsStatusOnServerResponse(const QString& response);
+    void processStatusForDepoNum(int depoNum, const QString& transcriptName, const QString& status);
+    void processStatusForSegment(int segment, int depoNum, const QString& status, int duration, int score);
+    [[nodiscard]] static QString simulatedCheckStatusResponse(int numOfDepos, int numOfSegmentsInDepo);
+    [[nodiscard]] bool isStatusPollArmed() const { return m_statusTimer.isActive(); }
+    void getInstructions();
+    void processGetInstructionsResponse(const QString& response);
+    void uploadLogFile();
+    void processDebugUploadResponse(const QString& response, const std::shared_ptr<FileLogger>& object);
+
+    // --- Observers
+    // ----------------------------------------------------------------------------------------------------
+    void curlCommandDone(CUrlCommand& command) override;
+    void curlCommandFailed(CUrlCommand& command) override;
+    void curlCommandProgress(CUrlCommand& command, double nowDL, double totalDL, double nowUL, double totalUL) override;
+    // On the converter's thread. The error goes nowhere: what reaches the user comes from the service's side.
+    void audioExtractorHandleError(AudioExtractor& extractor, const Error& error) override;
+    [[nodiscard]] static Error prependError(const Error& error, const QString& prefix);
+
+Q_SIGNALS:
+    void jobAdded(const std::shared_ptr<Job>& job);
+    void jobRemoved(const std::shared_ptr<Job>& job);
+    void hasUncompletedLocalJobsChanged();
+    void isCheckingJobStatusChanged();
+    void isGettingInstructionsChanged();
+    // The job, or one of its files, goes no further by itself: something was refused or failed, for this reason.
+    void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
+
+private:
+    void jobToProcessFinderThreadProc();
+    void setHasUncompletedLocalJobsFromAnotherThread(bool has);
+    [[nodiscard]] bool sleepForFinder();
+    void extractMediaFileInfoThreadProc(const JobPointer& job);
+    bool extractMediaFileInfo(const MediaFilePointer& mediaFile);
+    void startConversion(const JobPointer& job, const MediaFilePointer& mediaFile);
+    void convertToMP3ThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile);
+    bool threadWaitForFfmpegProcessesCondition() { return m_ffmpegProcessesGate.wait(); }
+    void threadSignalForFfmpegProcessesCondition() { m_ffmpegProcessesGate.signal(); }
+    void runExtractor(const MediaFilePointer& mediaFile, const std::function<void(AudioExtractor&)>& work);
+    void uploadMediaFileThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile);
+    void continueInterruptedWork(const JobPointer& job);
+    void requestReprocessing(const JobPointer& job, const MediaFilePointer& mediaFile, const QString& status);
+    void addServerSegment(const JobPointer& job, int segment, const QString& status, std::optional<int> score);
+    [[nodiscard]] QString failurePrefix(const CUrlCommand& command) const;
+    [[nodiscard]] static JobPointer jobStoppedByFailureOf(const CUrlCommand& command);
+    void post(const std::shared_ptr<CUrlCommand>& command);
+    void presentError(const QString& description);
+    void presentErrorAndStop(const JobPointer& job, const QString& description);
+    void presentUploadError(const JobPointer& job, const MediaObject* uploadedObject, const QString& response);
+    void finishUpload(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
+                      const QString& response);
+
+    ApplicationServices& m_services;
+    const ServiceHosts m_hosts;
+    CUrlCommandProcessor* m_curlCommandProcessor = nullptr;
+
+    // Of the main thread alone.
+    QString m_deliveryFolder;
+    QString m_contactID;
+    bool m_isOnlyDownloadJobsSentFromThisMachine = false;
+    bool m_isCheckingJobStatus = false;
+    bool m_isGettingInstructions = false;
+    bool m_hasUncompletedLocalJobs = false;
+    double m_statusCheckTimeInterval = 60.0;
+    double m_instructionsCheckTimeInterval = 60.0;
+    QTimer m_statusTimer;
+    QTimer m_instructionsTimer;
+    // While a status reply is applied: its jobs by number, so that thousands of records do not each search all jobs.
+    std::unordered_map<int, JobPointer> m_depoIndex;
+    bool m_isDepoIndexInUse = false;
+
+    std::atomic<double> m_finderSleepInterval{0.5};
+    std::atomic<bool> m_doFindAndProcessJobs{false};
+    std::atomic<bool> m_isEnding{false};
+    CountingGate m_ffmpegProcessesGate;
+    UploadGate m_uploadGate;
+
+    // The set is changed on the main thread alone; the lock is for the finder, which reads it.
+    mutable std::mutex m_jobsMutex;
+    std::vector<JobPointer> m_jobs;
+    std::unordered_set<const Job*> m_jobSet;
+
+    mutable std::mutex m_workMutex; // guards the members below, which threads read
+    std::condition_variable m_finderWake;
+    QString m_tempFilesFolder;
+    QString m_username;
+    QString m_password;
+    std::set<std::shared_ptr<AudioExtractor>> m_runningExtractors;
+
+    WorkerThreads m_threads; // last: its threads use all the others
+};
