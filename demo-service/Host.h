@@ -24,10 +24,10 @@ struct Sending
 {
     int status = 200;
     std::string contentType = "text/html";
-    std::optional<std::string> location;
-    std::vector<std::string> pieces; // together the reply; sent one by one
+    std::optional<std::string> location = std::nullopt;
+    std::vector<std::string> pieces = {}; // together the reply; sent one by one
     std::chrono::milliseconds pause{0};
-    std::optional<std::size_t> cutAt;
+    std::optional<std::size_t> cutAt = std::nullopt;
     bool reset = false;
 };
 

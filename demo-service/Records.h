@@ -47,18 +47,20 @@ struct Request
 // How an endpoint answers instead of, or on top of, what it would do. A request answered with `status`, `reply`,
 // `pieces`, `location` or `reset` changes nothing in the service; `delay`, `hang` and `cutAt` alone do their harm
 // around the answer that the service gives anyhow.
+// Fit for designated initialisers: {.status = 503, .times = 1}.
 struct Override
 {
-    std::optional<int> status;        // with `reply` as its text
-    std::optional<std::string> reply; // raw bytes
-    std::vector<std::string> pieces;  // the reply, sent piece by piece with `pause` between them
+    std::optional<int> status = std::nullopt;        // with `reply` as its text
+    std::optional<std::string> reply = std::nullopt; // raw bytes
+    std::vector<std::string> pieces = {};            // the reply, sent piece by piece with `pause` between them
     std::chrono::milliseconds pause{100};
-    std::optional<std::string> location; // a redirect (302, or `status`) to this place
-    std::chrono::milliseconds delay{0};  // before the answer
-    bool hang = false;                   // until releaseHangs(), clearOverrides() or stop()
-    std::optional<std::size_t> cutAt;    // declare the whole reply, send so many bytes of it, close the connection
-    bool reset = false;                  // the connection is reset before a byte of the reply
-    std::optional<int> times;            // how many requests it is good for; empty is for ever
+    std::optional<std::string> location = std::nullopt; // a redirect (302, or `status`) to this place
+    std::chrono::milliseconds delay{0};                 // before the answer
+    bool hang = false;                                  // until releaseHangs(), clearOverrides() or stop()
+    // Declare the whole reply, send so many bytes of it, close the connection.
+    std::optional<std::size_t> cutAt = std::nullopt;
+    bool reset = false;                      // the connection is reset before a byte of the reply
+    std::optional<int> times = std::nullopt; // how many requests it is good for; empty is for ever
 };
 
 struct Segment
@@ -87,7 +89,7 @@ struct Job
     Fields details; // the registration, values decoded
     std::vector<Segment> segments;
     std::string transcriptName;
-    std::optional<std::string> transcript;
+    std::optional<std::string> transcript = std::nullopt;
     std::string word; // "Uploading", "Splitting", "SplitDone", "Joining", "Joined", "Done", "VOID"
     bool delivered = false;
     bool serverOnly = false;
