@@ -178,10 +178,11 @@ TEST(MainThreadTest, AFloodOfWorkLeavesTimersTheirTurn)
     bool timerFired = false;
     int runs = 0;
     const std::function<void()> again = [&] {
+        if (runs == 0)
+            QTimer::singleShot(0, [&] { timerFired = true; });
         if (!timerFired && ++runs < floodLimit)
             MainThread::post(again);
     };
-    QTimer::singleShot(0, [&] { timerFired = true; });
     MainThread::post(again);
     EXPECT_TRUE(Waiting::until([&] { return timerFired; }));
     MainThread::drain();
@@ -200,6 +201,36 @@ TEST(MainThreadTest, WhatPostedWorkHeldIsLetGoOnTheMainThread)
         MainThread::post([held = std::move(held)] { EXPECT_EQ(*held, 1); });
     }).join();
     EXPECT_TRUE(Waiting::until([&] { return letGo; }));
+}
+
+TEST(MainThreadTest, TheQueueHasLetGoOfTheWorkBeforeItsWaiterGoesOn)
+{
+    struct Counted
+    {
+        std::atomic<int>* alive;
+        explicit Counted(std::atomic<int>* count) : alive(count) { ++*alive; }
+        Counted(const Counted& other) : alive(other.alive) { ++*alive; }
+        Counted& operator=(const Counted&) = delete;
+        ~Counted() { --*alive; }
+    };
+    std::atomic<int> keptTooLong{0};
+    std::atomic<bool> ended{false};
+    std::thread waiter([&] {
+        std::atomic<int> alive{0};
+        const std::function<void()> work = [counted = Counted(&alive)] {};
+        for (int hop = 0; hop < 500; ++hop) {
+            MainThread::runAndWait(work);
+            if (alive != 1)
+                ++keptTooLong;
+        }
+        // The count must not go while the queue could still hold on to the work.
+        while (alive != 1)
+            std::this_thread::yield();
+        ended = true;
+    });
+    EXPECT_TRUE(Waiting::until([&] { return ended.load(); }));
+    waiter.join();
+    EXPECT_EQ(keptTooLong, 0);
 }
 
 TEST(MainThreadTest, ShuttingDownReleasesEveryWaiterWithoutRunningItsWork)
