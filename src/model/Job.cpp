@@ -45,11 +45,28 @@ void Job::setMediaFiles(const MediaFiles& mediaFiles)
 {
     MediaFiles files = mediaFiles;
     files.removeAll(nullptr);
-    store(m_mediaFiles, files);
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_mediaFiles = files;
+        m_mediaFileHashesAreValid = false;
+    }
     for (const auto& file : files)
         observe(file);
     recalculateTotalMediaDuration();
     Q_EMIT mediaFilesChanged();
+}
+
+bool Job::holdsEqualLocked(const MediaFile& mediaFile)
+{
+    if (!m_mediaFileHashesAreValid) {
+        m_mediaFileHashes.clear();
+        for (const auto& present : m_mediaFiles)
+            m_mediaFileHashes.insert(present->hash());
+        m_mediaFileHashesAreValid = true;
+    }
+    return m_mediaFileHashes.contains(mediaFile.hash()) &&
+           std::any_of(m_mediaFiles.cbegin(), m_mediaFiles.cend(),
+                       [&](const std::shared_ptr<MediaFile>& present) { return mediaFile.isEqual(*present); });
 }
 
 void Job::insertObject(const std::shared_ptr<MediaFile>& mediaFile, qsizetype inMediaFilesAtIndex)
@@ -59,13 +76,11 @@ void Job::insertObject(const std::shared_ptr<MediaFile>& mediaFile, qsizetype in
     bool inserted = false;
     {
         const std::scoped_lock lock(m_mutex);
-        const bool isPresent =
-            std::any_of(m_mediaFiles.cbegin(), m_mediaFiles.cend(),
-                        [&](const std::shared_ptr<MediaFile>& present) { return mediaFile->isEqual(*present); });
-        if (!isPresent) {
+        if (!holdsEqualLocked(*mediaFile)) {
             const bool isInRange = inMediaFilesAtIndex >= 0 && inMediaFilesAtIndex <= m_mediaFiles.size();
             Assertion::check(isInRange, "media file index out of range");
             m_mediaFiles.insert(std::clamp<qsizetype>(inMediaFilesAtIndex, 0, m_mediaFiles.size()), mediaFile);
+            m_mediaFileHashes.insert(mediaFile->hash());
             inserted = true;
         }
     }
@@ -88,6 +103,7 @@ void Job::removeObjectFromMediaFilesAtIndex(qsizetype index)
         const std::scoped_lock lock(m_mutex);
         if (Assertion::check(index >= 0 && index < m_mediaFiles.size(), "media file index out of range"))
             removed = m_mediaFiles.takeAt(index);
+        m_mediaFileHashesAreValid = false;
     }
     if (!removed)
         return;
@@ -117,6 +133,9 @@ void Job::observe(const std::shared_ptr<MediaFile>& mediaFile)
 void Job::mediaFileChanged(MediaFileChange change)
 {
     switch (change) {
+    case MediaFileChange::SourceFilePath:
+        store(m_mediaFileHashesAreValid, false);
+        break;
     case MediaFileChange::DurationProcessed:
         recalculateProcessedMediaDuration();
         break;

@@ -9,6 +9,8 @@
 #include <QVarLengthArray>
 #include <QVariant>
 
+#include <unordered_set>
+
 // One deposition order: transcript, media files, what is ordered, what the service quoted, and the sums, price and
 // status that follow from them. Threads and ownership as MediaObject says.
 //
@@ -228,6 +230,7 @@ private:
     void changeRate(QVariant& field, const QVariant& value, Signal signal, bool isRushable);
     void recalculateSum(std::optional<float> (*sum)(const MediaFiles&),
                         void (Job::*storeLocked)(std::optional<float>, Signals&));
+    [[nodiscard]] bool holdsEqualLocked(const MediaFile& mediaFile);
     void observe(const std::shared_ptr<MediaFile>& mediaFile);
     void decodeMembers(const QJsonObject& archive);
     void decodeProducts(const QJsonObject& archive);
@@ -238,6 +241,9 @@ private:
 
     QString m_transcriptFile;
     MediaFiles m_mediaFiles;
+    // The hashes of m_mediaFiles, so that a new file is compared with all others only where it may be one of them.
+    std::unordered_multiset<std::size_t> m_mediaFileHashes;
+    bool m_mediaFileHashesAreValid = true;
     int m_deliveryFormat = DeliveryFormatAll;
     QString m_deponentFirstName;
     QString m_deponentLastName;

@@ -373,6 +373,9 @@ void Job::setUploadedMediaFileSize(std::optional<float> uploadedMediaFileSize)
 
 void Job::recalculateTotalStatus()
 {
+    // From there on the service's replies drive it.
+    if (status() > JobStatusUploaded)
+        return;
     bool isSet = false;
     int current = 0;
     int number = 0;
@@ -380,7 +383,7 @@ void Job::recalculateTotalStatus()
         const std::scoped_lock recalculation(m_recalculation);
         const std::optional<int> asked = statusOfFiles(mediaFiles());
         const std::scoped_lock lock(m_mutex);
-        // From here on the service's replies drive it.
+        // Another thread may have moved it meanwhile.
         if (m_status > JobStatusUploaded)
             return;
         if (asked) {

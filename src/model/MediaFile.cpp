@@ -153,6 +153,7 @@ void MediaFile::setSourceFilePath(const QString& sourceFilePath)
     storePath(sourceFilePath);
     setName(PathText::lastPathComponent(sourceFilePath));
     saveBookmark(sourceFilePath);
+    tellObservers(MediaFileChange::SourceFilePath);
     Q_EMIT sourceFilePathChanged();
 }
 

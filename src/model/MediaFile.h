@@ -8,7 +8,14 @@
 #include <cstddef>
 #include <vector>
 
-enum class MediaFileChange { SourceDuration, DurationProcessed, Status, Mp3UploadedFileSize, Mp3TotalFileSize };
+enum class MediaFileChange {
+    SourceFilePath,
+    SourceDuration,
+    DurationProcessed,
+    Status,
+    Mp3UploadedFileSize,
+    Mp3TotalFileSize
+};
 
 // Told of a media file's changes at once, inside the change, on the thread that made it.
 class MediaFileObserver
