@@ -1,0 +1,243 @@
+#include "ZipExtraction.h"
+
+#include "ZipArchive.h"
+
+#include "foundation/Log.h"
+#include "foundation/PathText.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// minizip knows the end of the list by the number of entries, but takes this number for "too many to say".
+constexpr std::uint64_t uncountedEntries = 0xffff;
+constexpr uLong encryptedFlag = 1;
+
+bool writeAll(int descriptor, const char* data, std::size_t size)
+{
+    while (size > 0) {
+        const ssize_t written = write(descriptor, data, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        data += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+// Years are stored from 1980 on; archivers leave the field at 0 when they know no date.
+bool hasDate(const unz_file_info64& info)
+{
+    return (info.dosDate >> 25U) != 0;
+}
+
+// Values out of range, a 31 April say, run over into the next month.
+bool setModificationDate(int descriptor, const tm_unz& date)
+{
+    std::tm fields{};
+    fields.tm_sec = static_cast<int>(date.tm_sec);
+    fields.tm_min = static_cast<int>(date.tm_min);
+    fields.tm_hour = static_cast<int>(date.tm_hour);
+    fields.tm_mday = static_cast<int>(date.tm_mday);
+    fields.tm_mon = static_cast<int>(date.tm_mon);
+    fields.tm_year = static_cast<int>(date.tm_year) - 1900;
+    fields.tm_isdst = -1;
+    const std::time_t time = std::mktime(&fields);
+    const std::array<timespec, 2> times{{{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {.tv_sec = time, .tv_nsec = 0}}};
+    return time != -1 && futimens(descriptor, times.data()) == 0;
+}
+
+} // namespace
+
+ZipExtraction::ZipExtraction(ZipArchive& archive, QString folder, bool overWrite)
+    : m_archive(archive), m_folder(std::move(folder)), m_overWrite(overWrite)
+{}
+
+bool ZipExtraction::run()
+{
+    if (unzGoToFirstFile(m_archive.m_unzFile.get()) != UNZ_OK)
+        m_archive.OutputErrorMessage(QStringLiteral("Failed"));
+    while (extractEntry() == Step::GoOn) {
+    }
+    return m_success;
+}
+
+ZipExtraction::Step ZipExtraction::extractEntry()
+{
+    const auto end = [this](const QString& message) {
+        m_archive.OutputErrorMessage(message);
+        m_success = false;
+        return Step::End;
+    };
+    if (!openEntry())
+        return end(QStringLiteral("Error occurs"));
+    const std::optional<Entry> entry = readEntry();
+    if (!entry) {
+        unzCloseCurrentFile(m_archive.m_unzFile.get());
+        return end(QStringLiteral("Error occurs while getting file info"));
+    }
+    makeFolders(*entry);
+
+    FileDescriptor output;
+    const Transfer transferred = transfer(*entry, output);
+    if (output.isOpen())
+        finishFile(*entry, output);
+    Step step = Step::GoOn;
+    if (transferred == Transfer::Failed) {
+        // The entry stays open: it is closed with the archive.
+        m_success = false;
+        step = Step::End;
+    } else if (closeEntry() != UNZ_OK) {
+        return end(QStringLiteral("file was unzipped but failed crc check"));
+    } else {
+        step = goToNextEntry();
+    }
+    reportProgress();
+    return step;
+}
+
+bool ZipExtraction::openEntry()
+{
+    const unzFile file = m_archive.m_unzFile.get();
+    const QString password = m_archive.password();
+    unz_file_info64 info{};
+    const bool isEncrypted = unzGetCurrentFileInfo64(file, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK &&
+                             (info.flag & encryptedFlag) != 0;
+    m_encrypted.reset();
+    if (password.isEmpty() || !isEncrypted)
+        return unzOpenCurrentFile(file) == UNZ_OK;
+    if (std::any_of(password.begin(), password.end(), [](QChar c) { return c.unicode() >= 0x80; }))
+        return false;
+    m_encrypted = EncryptedEntry::open(file, password.toLatin1());
+    return m_encrypted != nullptr;
+}
+
+int ZipExtraction::readFromEntry()
+{
+    const auto size = static_cast<unsigned>(m_buffer.size());
+    return m_encrypted ? m_encrypted->read(m_buffer.data(), size)
+                       : unzReadCurrentFile(m_archive.m_unzFile.get(), m_buffer.data(), size);
+}
+
+int ZipExtraction::closeEntry()
+{
+    return m_encrypted ? m_encrypted->close() : unzCloseCurrentFile(m_archive.m_unzFile.get());
+}
+
+std::optional<ZipExtraction::Entry> ZipExtraction::readEntry() const
+{
+    Entry entry;
+    const unzFile file = m_archive.m_unzFile.get();
+    if (unzGetCurrentFileInfo64(file, &entry.info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK)
+        return std::nullopt;
+    QByteArray name(static_cast<qsizetype>(entry.info.size_filename) + 1, '\0');
+    if (unzGetCurrentFileInfo64(file, &entry.info, name.data(), static_cast<uLong>(name.size()), nullptr, 0, nullptr,
+                                0) != UNZ_OK)
+        return std::nullopt;
+    name.chop(1);
+    entry.isFolder = name.endsWith('/') || name.endsWith('\\');
+    QString path = decodedName(name);
+    path.replace(u'\\', u'/');
+    entry.components = ContainedFolder::componentsOfName(path);
+    if (entry.components)
+        path = entry.components->join(u'/');
+    entry.path = PathText::appendingPathComponent(m_folder, path);
+    return entry;
+}
+
+QString ZipExtraction::decodedName(const QByteArray& name) const
+{
+    using Flag = QStringConverter::Flag;
+    QStringDecoder decoder(m_archive.stringEncoding(), Flag::Stateless | Flag::ConvertInitialBom);
+    const QString decoded = decoder.decode(name);
+    // Latin-1 keeps names apart that replacement characters would make one.
+    return decoder.hasError() ? QString::fromLatin1(name) : decoded;
+}
+
+void ZipExtraction::makeFolders(const Entry& entry)
+{
+    if (!entry.components)
+        return;
+    if (!m_contained)
+        m_contained.emplace(m_folder);
+    QStringList folders = *entry.components;
+    if (!entry.isFolder && !folders.isEmpty())
+        folders.removeLast();
+    // A folder that cannot be made shows when its files cannot be opened.
+    (void)m_contained->makeFolder(folders);
+}
+
+FileDescriptor ZipExtraction::openOutput(const Entry& entry)
+{
+    FileDescriptor output;
+    if (entry.components) {
+        if (!m_overWrite && m_contained->exists(*entry.components) && !m_archive.OverWrite(entry.path))
+            return output;
+        output = m_contained->openForWriting(*entry.components);
+    }
+    if (!output.isOpen())
+        m_archive.OutputErrorMessage(QStringLiteral("Failed to open output file for writing"));
+    return output;
+}
+
+ZipExtraction::Transfer ZipExtraction::transfer(const Entry& entry, FileDescriptor& output)
+{
+    for (bool isFirst = true;; isFirst = false) {
+        const int read = readFromEntry();
+        if (read < 0) {
+            m_archive.OutputErrorMessage(QStringLiteral("Failed to read zip file"));
+            return Transfer::Failed;
+        }
+        // What leads outside is refused for a folder as for a file.
+        if (isFirst && (!entry.isFolder || !entry.components)) {
+            output = openOutput(entry);
+            if (!output.isOpen())
+                return Transfer::Skipped;
+        }
+        if (read == 0)
+            return Transfer::Done;
+        if (output.isOpen() && !writeAll(output.get(), m_buffer.data(), static_cast<std::size_t>(read))) {
+            m_archive.OutputErrorMessage(QStringLiteral("Failed to write output file"));
+            return Transfer::Failed;
+        }
+    }
+}
+
+void ZipExtraction::finishFile(const Entry& entry, FileDescriptor& output)
+{
+    if (hasDate(entry.info) && !setModificationDate(output.get(), entry.info.tmu_date))
+        Log::system("Failed to set attributes");
+    m_archive.m_unzippedFiles += entry.path;
+    if (!output.close()) {
+        m_archive.OutputErrorMessage(QStringLiteral("Failed to write output file"));
+        m_success = false;
+    }
+}
+
+ZipExtraction::Step ZipExtraction::goToNextEntry()
+{
+    ++m_entriesWalked;
+    const int result = unzGoToNextFile(m_archive.m_unzFile.get());
+    if (result == UNZ_END_OF_LIST_OF_FILE || (result != UNZ_OK && m_entriesWalked == uncountedEntries))
+        return Step::End;
+    // An entry that the directory promises and does not have cannot be opened, which is reported there.
+    return Step::GoOn;
+}
+
+void ZipExtraction::reportProgress()
+{
+    const std::uint64_t total = m_archive.numFiles();
+    if (!m_archive.progressBlock() || total == 0)
+        return;
+    ++m_filesDone;
+    // A copy: the block may set another.
+    const auto block = m_archive.progressBlock();
+    block(static_cast<int>(m_filesDone * 100 / total), m_filesDone, total);
+}
