@@ -12,7 +12,8 @@
 class DemoClient
 {
 public:
-    explicit DemoClient(const DemoService::Service& service) : m_port(service.securePort()) {}
+    explicit DemoClient(const DemoService::Service& service) : DemoClient(service.securePort()) {}
+    explicit DemoClient(int securePort) : m_port(securePort) {}
 
     // The reply's text; "(no reply)" when there was none.
     [[nodiscard]] std::string post(const std::string& endpoint, const std::string& body) const;
