@@ -163,6 +163,7 @@ TEST_F(LogTest, AfterTheEndErrorsGoToStandardErrorAndOtherLinesNowhere)
     EXPECT_FALSE(Log::isEnabled(Log::Level::Warning));
     testing::internal::CaptureStderr();
     Log::warning("not said");
+    Log::write(Log::Level::Warning, "not said either");
     Log::error("said at last");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "said at last\n");
     EXPECT_EQ(onDisk(), QString());
