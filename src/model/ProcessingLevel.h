@@ -5,8 +5,8 @@
 
 #include <optional>
 
-// The service level of a job: automatic, or manual with its turnaround in hours. The numbers are archived by nobody but
-// are the tags of the choice that the user makes.
+// The service level of a job: automatic, or manual with its turnaround in hours. The numbers are not archived; they are
+// the tags of the choice that the user makes.
 enum ProcessingLevel : int {
     ProcessingLevelAutoSync = 0,
     ProcessingLevelMan24 = 1,
