@@ -9,8 +9,8 @@
 #include <QStringDecoder>
 #include <curl/curl.h>
 
-#include <algorithm>
-#include <cstring>
+#include <array>
+#include <csignal>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -20,6 +20,10 @@ namespace {
 
 // Newer libraries stop at thirty redirections by themselves; this one would follow a loop for ever.
 constexpr long maximumRedirections = 30;
+
+// A function and its data go together: libcurl's own function would take the command for a file. None can be refused.
+constexpr std::array callbackOptions{CURLOPT_WRITEFUNCTION, CURLOPT_WRITEDATA,     CURLOPT_PROGRESSFUNCTION,
+                                     CURLOPT_PROGRESSDATA,  CURLOPT_DEBUGFUNCTION, CURLOPT_DEBUGDATA};
 
 std::size_t writeFunction(char* bytes, std::size_t size, std::size_t number, void* command)
 {
@@ -39,6 +43,8 @@ int debugFunction(CURL*, curl_infotype, char*, std::size_t, void*)
 
 void initializeLibraryOnce()
 {
+    // Without signals the library leaves SIGPIPE to the program, and a peer that hangs up would end it.
+    [[maybe_unused]] static const auto previous = std::signal(SIGPIPE, SIG_IGN);
     static const CURLcode outcome = curl_global_init(CURL_GLOBAL_DEFAULT);
     if (outcome != CURLE_OK)
         Log::error("cURL error code = {}", static_cast<int>(outcome));
@@ -129,6 +135,10 @@ void CUrlCommand::execute()
 
 void CUrlCommand::applyOptions()
 {
+    for (const CURLoption option : callbackOptions) {
+        if (const auto callback = m_options.find(option); callback != m_options.end() && m_result == 0)
+            setObject(callback->second, option);
+    }
     for (const auto& [option, value] : m_options) {
         if (m_result != 0)
             return;

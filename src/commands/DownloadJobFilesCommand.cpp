@@ -171,8 +171,9 @@ void DownloadJobFilesCommand::downloadResultFile(int number, const QString& list
 {
     const QString name = DeliveryPath::fileName(listedName);
     const std::optional<QString> subFolder = DeliveryPath::fileTypeSubFolder(name);
-    const QString destination = PathText::appendingPathComponent(
-        PathText::appendingPathComponent(jobFolderPath, subFolder.value_or(QString())), name);
+    // With no usable name left, the slash keeps a file from standing where the folder has to be.
+    const QString folder = PathText::appendingPathComponent(jobFolderPath, subFolder.value_or(QString()));
+    const QString destination = name.isEmpty() ? folder + u'/' : PathText::appendingPathComponent(folder, name);
 
     Log::info("Start downloading file: {}", destination);
     executeNested(DownloadFileCommand::downloadFileCommandWithUser(m_hosts, m_username, m_password, depoNum(), number,

@@ -9,7 +9,8 @@ namespace {
 QByteArray firstLine(const QString& path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readLine(256).trimmed() : QByteArray();
+    // A device tree ends its texts with a NUL.
+    return file.open(QIODevice::ReadOnly) ? file.readLine(256).replace('\0', "").trimmed() : QByteArray();
 }
 
 } // namespace

@@ -176,6 +176,8 @@ Q_SIGNALS:
     void isGettingInstructionsChanged();
     // The job, or one of its files, goes no further by itself: something was refused or failed, for this reason.
     void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
+    // The upload of the log has ended, one way or the other.
+    void logFileUploadEnded();
 
 private:
     void jobToProcessFinderThreadProc();

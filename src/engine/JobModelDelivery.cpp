@@ -118,6 +118,7 @@ void JobModel::curlCommandDone(CUrlCommand& command)
         processJobUploadedJobFileResponse(upload->job(), upload->uploadedObject(), text);
     } else if (auto* const debugUpload = dynamic_cast<DebugUploadCommand*>(&command)) {
         processDebugUploadResponse(text, debugUpload->uploadedObject());
+        Q_EMIT logFileUploadEnded();
     } else if (dynamic_cast<CheckStatusCommand*>(&command)) {
         processCheckJobsStatusOnServerResponse(text);
     } else if (dynamic_cast<GetInstructionsCommand*>(&command)) {
@@ -176,6 +177,8 @@ void JobModel::curlCommandFailed(CUrlCommand& command)
         Log::error("{}", error.localizedDescription);
         return; // The program's own end cut the transfer.
     }
+    if (dynamic_cast<DebugUploadCommand*>(&command))
+        Q_EMIT logFileUploadEnded();
     m_services.presentError(error);
     if (const JobPointer job = jobStoppedByFailureOf(command))
         Q_EMIT jobStopped(job, error.localizedDescription);

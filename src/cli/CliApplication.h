@@ -1,0 +1,93 @@
+#pragma once
+
+#include "cli/CommandLine.h"
+#include "cli/ExitCode.h"
+#include "cli/Reporter.h"
+#include "cli/ServiceRequest.h"
+#include "commands/CUrlCommandProcessor.h"
+#include "engine/JobModel.h"
+#include "foundation/ApplicationServices.h"
+#include "foundation/FileLogger.h"
+#include "foundation/UserDefaults.h"
+#include "settings/ServiceHosts.h"
+
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+// The long-lived objects of one run of the command line, in the order in which they depend on each other, and what its
+// commands share: the login, presented errors, and the orderly end. Main thread.
+class CliApplication : public ApplicationServices
+{
+public:
+    explicit CliApplication(const CommandLine& line);
+    ~CliApplication() override;
+    CliApplication(const CliApplication&) = delete;
+    CliApplication& operator=(const CliApplication&) = delete;
+
+    // What has to hold before anything is sent: an address, an account, folders. Says what is wrong and gives false.
+    [[nodiscard]] bool prepareForService();
+    [[nodiscard]] bool prepareFolders();
+
+    // Sends the login; on success the engine has the credentials and `loggedIn` is called with the contact ID,
+    // otherwise the run ends.
+    void login(std::function<void(const QString& contactID)> loggedIn);
+    // Sends a command of the run's own; `ended` is called once.
+    void request(const std::shared_ptr<CUrlCommand>& command, ServiceRequest::Ended ended);
+
+    // Ends the run: with `code`, or with a service error where one was presented and `code` is Done.
+    void end(ExitCode code);
+    // Ends the run once the log that follows a presented error has been sent, but does not wait long for it.
+    void endAfterLogUpload(ExitCode code);
+    // Saves the jobs and ends the run.
+    void interrupt();
+    [[nodiscard]] bool hasEnded() const { return m_hasEnded; }
+
+    void presentError(const Error& error) override;
+    [[nodiscard]] std::shared_ptr<FileLogger> fileLogger() const override { return m_fileLogger; }
+
+    [[nodiscard]] Reporter& reporter() { return *m_reporter; }
+    [[nodiscard]] JobModel& jobModel() { return *m_jobModel; }
+    [[nodiscard]] const ServiceHosts& hosts() const { return *m_hosts; }
+    [[nodiscard]] const QString& user() const { return m_line.user; }
+    [[nodiscard]] const QString& password() const { return m_password; }
+    void setPassword(const QString& password) { m_password = password; }
+    [[nodiscard]] QString tempFolder() const { return m_tempFolder; }
+
+    // From the environment or the terminal; nothing, after words for the user, where neither has it.
+    [[nodiscard]] std::optional<QString> secret(const char* variable, const QString& prompt);
+
+private:
+    void configureLog();
+    void makeEngine();
+    [[nodiscard]] bool makeFolder(const QString& path, const QString& words);
+    void loginEnded(const CUrlCommand& command, bool succeeded, const std::function<void(const QString&)>& loggedIn);
+    void foldRepeats();
+
+    const CommandLine m_line;
+    std::unique_ptr<Reporter> m_reporter;
+    UserDefaults m_defaults;
+    std::shared_ptr<FileLogger> m_fileLogger;
+    std::optional<ServiceHosts> m_hosts;
+    QString m_password;
+    QString m_tempFolder;
+    QString m_deliveryFolder;
+    std::unique_ptr<JobModel> m_jobModel;
+    std::unique_ptr<CUrlCommandProcessor> m_processor; // ends before the engine that observes its commands
+    std::vector<std::unique_ptr<ServiceRequest>> m_requests;
+
+    bool m_hasEnded = false;
+    bool m_isSaving = false; // the engine holds jobs that must be saved
+    bool m_wasErrorPresented = false;
+    QString m_lastError;
+    int m_repeats = 0;
+    QTimer m_logUploadLimit;
+    std::optional<ExitCode> m_codeAfterLogUpload;
+
+public:
+    // From here on the end of the run saves the engine's jobs.
+    void setIsSaving(bool saving) { m_isSaving = saving; }
+};

@@ -1,0 +1,102 @@
+#include "cli/EngineRun.h"
+
+#include "cli/CliApplication.h"
+#include "foundation/NumberReading.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::chrono::milliseconds blockedCheckRate{1000};
+
+} // namespace
+
+EngineRun::EngineRun(CliApplication& application, const CommandLine& line) : Run(application, line)
+{
+    connect(&m_blockedCheck, &QTimer::timeout, this, &EngineRun::stopBlockedJobs);
+}
+
+void EngineRun::startEngine()
+{
+    JobModel& model = application().jobModel();
+    connect(&model, &JobModel::jobStopped, this, &EngineRun::jobStopped);
+    connect(&model, &JobModel::jobRemoved, this, &EngineRun::jobRemoved);
+    m_follower = std::make_unique<JobFollower>(model, application().reporter());
+    application().setIsSaving(true);
+    model.loadState(application().tempFolder());
+    model.startJobProcessing();
+    m_blockedCheck.start(blockedCheckRate);
+}
+
+void EngineRun::waitFor(const std::shared_ptr<Job>& job)
+{
+    m_waitedFor.insert(job);
+    // Queued: the change is handled when the engine is done with it.
+    connect(
+        job.get(), &Job::statusChanged, this, [this] { endIfAllEnded(); }, Qt::QueuedConnection);
+}
+
+void EngineRun::jobStopped(const std::shared_ptr<Job>& job, const QString& reason)
+{
+    if (!m_waitedFor.contains(job) || !m_stopped.insert(job).second)
+        return;
+    application().reporter().error(
+        Text::format("Job {} cannot go on: {}", NumberReading::valueOrZero(job->depoNum()), reason));
+    endIfAllEnded();
+}
+
+void EngineRun::jobRemoved(const std::shared_ptr<Job>& job)
+{
+    jobStopped(job, QStringLiteral("the service has withdrawn it (VOID)"));
+}
+
+void EngineRun::stopBlockedJobs()
+{
+    if (!application().jobModel().isUploadGateBlocked())
+        return;
+    for (const auto& job : std::set(m_waitedFor)) {
+        const auto files = job->mediaFiles();
+        const bool isWaiting = std::any_of(files.begin(), files.end(),
+                                           [](const auto& file) { return file->status() == JobStatusSegmentAdded; });
+        if (isWaiting)
+            jobStopped(job, QStringLiteral("every upload place is held by an upload that failed; run resume"));
+    }
+}
+
+void EngineRun::reportCompleted(const Job& job)
+{
+    application().reporter().result(Text::format("Job {} is completed; its files are in {}",
+                                                 NumberReading::valueOrZero(job.depoNum()),
+                                                 application().jobModel().deliveryFolder()),
+                                    {{QStringLiteral("event"), QStringLiteral("completed")},
+                                     {QStringLiteral("depo"), NumberReading::valueOrZero(job.depoNum())},
+                                     {QStringLiteral("order"), NumberReading::valueOrZero(job.orderNum())},
+                                     {QStringLiteral("deliveryFolder"), application().jobModel().deliveryFolder()}});
+}
+
+void EngineRun::endIfAllEnded()
+{
+    if (application().hasEnded())
+        return;
+    for (const auto& job : m_waitedFor) {
+        if (job->status() != JobStatusCompleted || !m_completed.insert(job).second)
+            continue;
+        m_follower->showNow();
+        reportCompleted(*job);
+    }
+    const bool areAllEnded = std::all_of(m_waitedFor.begin(), m_waitedFor.end(), [this](const auto& job) {
+        return m_completed.contains(job) || m_stopped.contains(job);
+    });
+    if (areAllEnded)
+        allEnded();
+}
+
+void EngineRun::allEnded()
+{
+    m_follower->showNow();
+    if (hasStoppedJobs())
+        application().endAfterLogUpload(ExitCode::ServiceError);
+    else
+        application().end(ExitCode::Done);
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "cli/Reporter.h"
+
+#include <map>
+#include <utility>
+
+// One JSON object a line for every change, on standard output; errors also in words on standard error.
+class JsonReporter : public Reporter
+{
+public:
+    void rowChanged(const ProgressRow& row) override;
+    void rowsAre(const std::vector<ProgressRow>& rows) override;
+    void note(const QString& words) override;
+    void error(const QString& words) override;
+    void result(const QString& line, const QJsonObject& object) override;
+
+private:
+    std::map<std::pair<int, int>, double> m_fractions; // as last told, by deposition and segment
+};

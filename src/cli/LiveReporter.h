@@ -1,0 +1,26 @@
+#pragma once
+
+#include "cli/Reporter.h"
+
+#include <QStringList>
+
+// A block of lines at the bottom of the terminal, one for each job and file, drawn over itself; words for the user
+// scroll by above it.
+class LiveReporter : public Reporter
+{
+public:
+    ~LiveReporter() override;
+
+    void rowChanged(const ProgressRow& row) override;
+    void rowsAre(const std::vector<ProgressRow>& rows) override;
+    void note(const QString& words) override;
+    void error(const QString& words) override;
+    void result(const QString& line, const QJsonObject& object) override;
+
+private:
+    void erase();
+    void draw();
+
+    QStringList m_lines;
+    qsizetype m_linesOnScreen = 0;
+};

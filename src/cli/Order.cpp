@@ -1,0 +1,133 @@
+#include "cli/Order.h"
+
+#include "foundation/DateText.h"
+#include "foundation/PathText.h"
+#include "foundation/Text.h"
+#include "model/ProcessingLevel.h"
+#include "transcript/DepositionFileParser.h"
+#include "transcript/TranscriptFileType.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+std::optional<QString> problemOfFile(const QString& path, const QString& what)
+{
+    const QFileInfo file(path);
+    if (!file.exists())
+        return Text::format("The {} {} does not exist.", what, path);
+    if (!file.isFile())
+        return Text::format("The {} {} is not a file.", what, path);
+    if (!file.isReadable())
+        return Text::format("The {} {} cannot be read.", what, path);
+    return std::nullopt;
+}
+
+std::optional<QString> problemOfTranscript(const QString& path)
+{
+    if (auto problem = problemOfFile(path, QStringLiteral("transcript")))
+        return problem;
+    if (PathText::pathExtension(path).isEmpty())
+        return TranscriptFileType::missingExtensionWarning;
+    return std::nullopt;
+}
+
+std::optional<QString> problemOfRecording(const QString& path)
+{
+    if (auto problem = problemOfFile(path, QStringLiteral("recording")))
+        return problem;
+    if (TranscriptFileType::isKnown(PathText::pathExtension(path)))
+        return Text::format("{} is a transcript, not a recording.", path);
+    if (!PathText::lastPathComponent(path).contains(u'.'))
+        return Text::format("The recording {} needs an extension: the service knows files by their names.", path);
+    return std::nullopt;
+}
+
+void prefill(const QString& transcript, const SubmitOptions& options, Order::Prepared& prepared)
+{
+    Job& job = *prepared.job;
+    if (!TranscriptFileType::isParsed(PathText::pathExtension(transcript)))
+        return;
+    try {
+        const auto parser = DepositionFileParser::depositionFileParserWithPath(transcript);
+        if (!parser)
+            return;
+        if (!options.firstName)
+            job.setDeponentFirstName(parser->deponentFirstName());
+        if (!options.lastName)
+            job.setDeponentLastName(parser->deponentLastName());
+        const auto date = DateText::readLeniently(parser->dateString());
+        if (!options.date && date)
+            job.setDepositionDate(*date);
+    } catch (const DeponentNameOutOfRange&) {
+        prepared.remarks << QStringLiteral("No name or date is taken from a corporate witness's transcript.");
+    }
+}
+
+QString levelName(const Job& job)
+{
+    return processingLevelName(job.processingLevel());
+}
+
+} // namespace
+
+std::variant<Order::Prepared, QString> Order::prepare(const SubmitOptions& options)
+{
+    const QString transcript = QFileInfo(options.transcript).absoluteFilePath();
+    if (const auto problem = problemOfTranscript(transcript))
+        return *problem;
+    for (const QString& path : options.media) {
+        if (const auto problem = problemOfRecording(QFileInfo(path).absoluteFilePath()))
+            return *problem;
+    }
+
+    Prepared prepared{Job::job(), {}};
+    Job& job = *prepared.job;
+    if (!TranscriptFileType::isKnown(PathText::pathExtension(transcript)))
+        prepared.remarks << TranscriptFileType::unknownTypeWarning;
+    job.setTranscriptFile(transcript);
+    job.setShortCaption(options.caption);
+    job.setDeliveryFormat(options.deliveryFormat);
+    if (options.firstName)
+        job.setDeponentFirstName(*options.firstName);
+    if (options.lastName)
+        job.setDeponentLastName(*options.lastName);
+    if (options.date)
+        job.setDepositionDate(QDateTime(*options.date, QTime(12, 0)));
+    prefill(transcript, options, prepared);
+
+    for (const QString& path : options.media) {
+        const auto count = job.mediaFiles().size();
+        job.addMediaFilesObject(MediaFile::mediaFileWithPath(QFileInfo(path).absoluteFilePath()));
+        if (job.mediaFiles().size() == count)
+            prepared.remarks << Text::format("{} was given twice; it is taken once.", path);
+    }
+    auto files = job.mediaFiles();
+    std::stable_sort(files.begin(), files.end(),
+                     [](const auto& a, const auto& b) { return a->caseInsensitiveCompareByFileName(*b) < 0; });
+    job.setMediaFiles(files);
+    return prepared;
+}
+
+QStringList Order::applyServiceOptions(const SubmitOptions& options, Job& job)
+{
+    // The order matters: rush and interpreter each move the level away from what is not offered with them.
+    job.setProcessingLevel(options.processingLevel.value_or(ProcessingLevelAutoSync));
+    if (options.rush)
+        job.setRush(true);
+    if (options.viaInterpreter)
+        job.setViaInterpreter(true);
+    QStringList remarks;
+    if (options.processingLevel && job.processingLevel() != *options.processingLevel) {
+        remarks << Text::format("{} is not offered with {}: {} is ordered.",
+                                processingLevelName(*options.processingLevel),
+                                options.viaInterpreter && *options.processingLevel == ProcessingLevelAutoSync
+                                    ? QStringLiteral("an interpreter")
+                                    : QStringLiteral("rush service"),
+                                levelName(job));
+    }
+    return remarks;
+}
