@@ -10,10 +10,13 @@ namespace {
 
 bool equalIgnoringCaseInLocale(const QString& a, const QString& b)
 {
+    // First without the locale: the order of the "C" locale tells letter case apart whatever its strength.
+    if (a.compare(b, Qt::CaseInsensitive) == 0)
+        return true;
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(status));
     if (U_FAILURE(status) || !collator)
-        return a.compare(b, Qt::CaseInsensitive) == 0;
+        return false;
     collator->setStrength(icu::Collator::SECONDARY); // Letters and accents count, case does not.
     const auto text = [](const QString& from) {
         return icu::UnicodeString(reinterpret_cast<const char16_t*>(from.utf16()), static_cast<int32_t>(from.size()));

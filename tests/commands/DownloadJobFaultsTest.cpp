@@ -1,0 +1,287 @@
+#include "DownloadJobTest.h"
+
+#include "demo-service/Zip.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <curl/curl.h>
+
+using namespace Qt::StringLiterals;
+using Kind = RecordingObserver::Kind;
+
+class DownloadJobFaultsTest : public DownloadJobTest
+{
+protected:
+    // Nothing was written beside the delivery folder.
+    void expectNothingLeftTheDeliveryFolder() const
+    {
+        EXPECT_EQ(
+            QDir(path(u"around"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+            QStringList{u"delivery"_s});
+        EXPECT_FALSE(QFileInfo::exists(path(u"evil"_s)));
+    }
+    // Lets so many requests for names and contents pass as they are.
+    void passDownloadRequests(int number) { service.addOverride(downloadEndpoint, {.times = number}); }
+    // The lookup of the job folder failed: the delivery stopped there and was reported as failed, once.
+    void expectStopped(int result)
+    {
+        ASSERT_EQ(observer.ends().size(), 1U);
+        EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
+        EXPECT_TRUE(observer.ends().at(0).onMainThread);
+        EXPECT_EQ(lastResult, result);
+        EXPECT_EQ(service.count(downloadEndpoint), 2);
+        EXPECT_EQ(service.count("Korvane_ReadMe.txt"), 0);
+        EXPECT_TRUE(deliveredFiles().isEmpty());
+        EXPECT_FALSE(isMarked());
+    }
+    void deliverOneFileAndKeepResult()
+    {
+        observer.whenEnded = [this](const CUrlCommand& command) { lastResult = command.result(); };
+        deliver({{"a.txt", "text"}});
+    }
+
+    int lastResult = 0;
+};
+
+TEST_F(DownloadJobFaultsTest, AFailedQuestionForTheDeliveryOptionStopsTheDelivery)
+{
+    service.addOverride(factsEndpoint, {.status = 500});
+    deliverOneFileAndKeepResult();
+    expectStopped(CURLE_HTTP_RETURNED_ERROR);
+    EXPECT_EQ(service.count(factsEndpoint), 1);
+}
+
+TEST_F(DownloadJobFaultsTest, AFailedQuestionForTheDeponentStopsTheDelivery)
+{
+    answerFacts({"Deposition"});
+    service.addOverride(factsEndpoint, {.status = 404});
+    deliverOneFileAndKeepResult();
+    expectStopped(CURLE_HTTP_RETURNED_ERROR);
+    EXPECT_EQ(service.count(factsEndpoint), 2);
+}
+
+TEST_F(DownloadJobFaultsTest, AFailedQuestionForTheDateStopsTheDelivery)
+{
+    answerFacts({"Deposition", "Smith"});
+    service.addOverride(factsEndpoint, {.status = 503});
+    deliverOneFileAndKeepResult();
+    expectStopped(CURLE_HTTP_RETURNED_ERROR);
+    EXPECT_EQ(service.count(factsEndpoint), 3);
+}
+
+TEST_F(DownloadJobFaultsTest, AFailedQuestionForTheCaptionStopsTheDelivery)
+{
+    answerFacts({"ShortCaption"});
+    service.addOverride(factsEndpoint, {.location = "/saltine/miscstuff.php"});
+    deliverOneFileAndKeepResult();
+    expectStopped(CURLE_TOO_MANY_REDIRECTS);
+}
+
+TEST_F(DownloadJobFaultsTest, AServiceThatIsGoneEndsTheDeliveryInAFailure)
+{
+    observer.whenEnded = [this](const CUrlCommand& command) { lastResult = command.result(); };
+    service.stop();
+    run(makeCommand());
+    ASSERT_EQ(observer.ends().size(), 1U);
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
+    EXPECT_EQ(lastResult, CURLE_COULDNT_CONNECT);
+    EXPECT_TRUE(deliveredFiles().isEmpty());
+}
+
+TEST_F(DownloadJobFaultsTest, AFileThatIsCutKeepsWhatCameAndTheDeliveryGoesOn)
+{
+    answerNoJobFolder();
+    passDownloadRequests(3);
+    service.addOverride(downloadEndpoint, {.cutAt = 4, .times = 1});
+    deliver({{"a.txt", "0123456789"}, {"b.txt", "whole"}});
+    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/a.txt"_s)), "0123");
+    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/b.txt"_s)), "whole");
+    EXPECT_TRUE(isMarked());
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Done); // The failure of one file is not the delivery's.
+}
+
+TEST_F(DownloadJobFaultsTest, AFileThatTheServiceRefusesIsLeftEmptyAndTheDeliveryGoesOn)
+{
+    answerNoJobFolder();
+    passDownloadRequests(3);
+    service.addOverride(downloadEndpoint, {.status = 500, .reply = "words", .times = 1});
+    deliver({{"a.txt", "0123456789"}, {"b.txt", "whole"}});
+    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/a.txt"_s)), "");
+    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/b.txt"_s)), "whole");
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, DemoDiscFilesThatFailAreNoFailure)
+{
+    answerNoJobFolder();
+    service.addOverride("autorun.inf", {.status = 404});
+    service.addOverride("OstrovizerDownloader.exe", {.reset = true});
+    deliver({{"a.set", "set"}});
+    EXPECT_EQ(readFile(delivered(u"Ostrova/autorun.inf"_s)), "");
+    EXPECT_EQ(readFile(delivered(u"Ostrova/OstrovizerDownloader.exe"_s)), "");
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Done);
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, AFailedMarkIsNoFailure)
+{
+    answerNoJobFolder();
+    passDownloadRequests(3);
+    service.addOverride(downloadEndpoint, {.status = 500});
+    deliver({{"a.txt", "text"}});
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Done);
+    EXPECT_FALSE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, AFolderThatCannotBeMadeSendsABodylessRequestAndTheDeliveryGoesOn)
+{
+    answerNoJobFolder();
+    writeFile(u"around/delivery/LiveNote"_s, "a file in the way");
+    deliver({{"a.ptf", "ptf"}, {"b.txt", "text"}});
+    EXPECT_TRUE(log.contains(u"DownloadCommand for depo=4711, file=0, unable to create folder at path: "_s +
+                             delivered(u"LiveNote\n"_s)) ||
+                log.contains(u"DownloadCommand for depo=4711, file=0, unable to create file at path: "_s +
+                             delivered(u"LiveNote/a.ptf\n"_s)));
+    const auto requests = service.requests(downloadEndpoint);
+    ASSERT_EQ(requests.size(), 6U);
+    EXPECT_EQ(requests.at(3).body, "");
+    EXPECT_EQ(requests.at(3).method, "GET");
+    EXPECT_EQ(readFile(delivered(u"LiveNote"_s)), "a file in the way");
+    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/b.txt"_s)), "text");
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, AZipThatCannotBeUnpackedIsKept)
+{
+    answerNoJobFolder();
+    std::string bytes;
+    for (unsigned i = 0; i < 4000; ++i)
+        bytes += static_cast<char>(i * i * 31 % 253);
+    std::string zip = DemoService::zipped({{"a.bin", bytes}});
+    constexpr std::size_t localHeader = 30 + 5; // with the name
+    zip.replace(localHeader + 200, 100, std::string(100, '\x55'));
+    deliver({{"Smith.zip", zip}});
+    EXPECT_TRUE(log.contains(u"[error] [command] Unzip error\n"_s));
+    EXPECT_FALSE(log.contains(u"Unzipped sucessfully"_s));
+    EXPECT_EQ(readFile(delivered(u"Korvane/Smith.zip"_s)).toStdString(), zip);
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, AZipThatDoesNotOpenIsLeftSilently)
+{
+    answerNoJobFolder();
+    deliver({{"Smith.zip", "not a zip"}});
+    EXPECT_TRUE(log.contains(u"Unzipping file: "_s));
+    EXPECT_FALSE(log.contains(u"Unzip error"_s));
+    EXPECT_FALSE(log.contains(u"Unzipped sucessfully"_s));
+    EXPECT_EQ(readFile(delivered(u"Korvane/Smith.zip"_s)), "not a zip");
+}
+
+TEST_F(DownloadJobFaultsTest, AnEntryOfAZipThatWouldLeaveItsFolderIsPassedOver)
+{
+    answerFacts({"ShortCaption", "caption"});
+    deliver({{"Smith.zip", DemoService::zipped({{"../../../evil.txt", "evil"}, {"good.txt", "good"}})}});
+    expectNothingLeftTheDeliveryFolder();
+    EXPECT_EQ(deliveredFiles(), (QStringList{u"caption/Korvane/Korvane_ReadMe.txt"_s, u"caption/Korvane/good.txt"_s}));
+}
+
+TEST_F(DownloadJobFaultsTest, HostileListedNamesStayInTheDeliveryFolder)
+{
+    answerNoJobFolder();
+    const std::string absolute = path(u"evil/a.txt"_s).toStdString();
+    deliver({{"../../b.txt", "b"},
+             {"..\\..\\..\\c.txt", "c"},
+             {absolute, "a"},
+             {std::string("d\0.txt", 6), "d"},
+             {std::string(5000, 'e') + ".txt", "e"},
+             {"~/f.txt", "f"}});
+    expectNothingLeftTheDeliveryFolder();
+    QStringList expected;
+    for (const QString& name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s, QString(251, u'e'), u"f"_s})
+        expected << u"Universal_ASCII/"_s + name + u".txt"_s;
+    EXPECT_EQ(deliveredFiles(), expected);
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, AListedNameOfWhichNothingIsLeftHarmsNoOtherFile)
+{
+    answerFacts({"ShortCaption", "caption"});
+    deliver({{"..", "x"}, {"/", "x"}, {"\\", "x"}, {".", "x"}, {std::string(1, '\0'), "x"}, {"a.txt", "text"}});
+    expectNothingLeftTheDeliveryFolder();
+    EXPECT_EQ(deliveredFiles(), QStringList{u"caption/Universal_ASCII/a.txt"_s});
+    EXPECT_TRUE(isMarked());
+}
+
+struct JobFolderCase
+{
+    std::vector<std::string> facts;
+    // Empty where no file system takes the name.
+    QString folder;
+};
+
+class HostileJobFolderTest : public DownloadJobFaultsTest, public testing::WithParamInterface<JobFolderCase>
+{};
+
+TEST_P(HostileJobFolderTest, StaysInTheDeliveryFolder)
+{
+    answerFacts(GetParam().facts);
+    deliver({{"a.txt", "text"}});
+    expectNothingLeftTheDeliveryFolder();
+    EXPECT_EQ(deliveredFiles(), QStringList{GetParam().folder + u"Universal_ASCII/a.txt"_s});
+    EXPECT_TRUE(isMarked());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, HostileJobFolderTest,
+    testing::Values(JobFolderCase{{"Deposition", "../../evil", "2011-03-04"}, u".._.._evil_030411_4711/"_s},
+                    JobFolderCase{{"Deposition", "/evil", "2011-03-04"}, u"_evil_030411_4711/"_s},
+                    JobFolderCase{{"ShortCaption", ".."}, u"__/"_s},
+                    JobFolderCase{{"ShortCaption", "../evil"}, u".._evil/"_s},
+                    JobFolderCase{{"ShortCaption", "a/../../../evil"}, u"a_.._.._.._evil/"_s},
+                    JobFolderCase{{"ShortCaption", "/etc/evil"}, u"_etc_evil/"_s},
+                    JobFolderCase{{"ShortCaption", std::string(".\0./evil", 8)}, u".._evil/"_s},
+                    JobFolderCase{{"ShortCaption", "A/B"}, u"A/B/"_s}, JobFolderCase{{"ShortCaption", "/"}, u"_/"_s},
+                    JobFolderCase{{"ShortCaption", "."}, QString()},
+                    JobFolderCase{{"ShortCaption", std::string(5000, 'x')}, QString(255, u'x') + u'/'}));
+
+TEST_F(DownloadJobFaultsTest, AJobFolderDeeperThanAnyFileSystemTakesIsNoCrash)
+{
+    std::string deep;
+    for (int i = 0; i < 2500; ++i)
+        deep += "d/";
+    answerFacts({"ShortCaption", deep});
+    deliver({{"a.txt", "text"}});
+    EXPECT_TRUE(log.contains(u"unable to create file at path: "_s));
+    EXPECT_EQ(observer.ends().size(), 1U);
+    EXPECT_TRUE(deliveredFiles().isEmpty());
+}
+
+TEST_F(DownloadJobFaultsTest, CancellingEndsADeliveryThatHangsAndMarksNothing)
+{
+    answerNoJobFolder();
+    ASSERT_TRUE(service.setDeliverables(depo, {{"a.txt", "text"}, {"b.txt", "text"}}));
+    passDownloadRequests(3);
+    service.addOverride(downloadEndpoint, {.hang = true});
+    const auto command = makeCommand();
+    command->setObserver(&observer);
+    processor.postCommand(command);
+    ASSERT_TRUE(Waiting::until([&] { return service.hanging() == 1; }));
+    processor.cancelRunningCommands();
+    ASSERT_TRUE(Waiting::until([&] { return processor.currentNumOfCommandThreads() == 0; }));
+    ASSERT_EQ(observer.ends().size(), 1U);
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
+    EXPECT_EQ(command->result(), CURLE_ABORTED_BY_CALLBACK);
+    EXPECT_EQ(service.count(downloadEndpoint), 4); // Nothing was asked after the request that hung.
+    EXPECT_EQ(service.count("Korvane_ReadMe.txt"), 0);
+    EXPECT_FALSE(isMarked());
+}
+
+TEST_F(DownloadJobFaultsTest, ADeliveryCancelledBeforeItBeginsAsksNothing)
+{
+    const auto command = makeCommand();
+    command->cancel();
+    run(command);
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
+    EXPECT_TRUE(service.requests().empty());
+    EXPECT_TRUE(deliveredFiles().isEmpty());
+}
