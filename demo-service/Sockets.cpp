@@ -3,7 +3,6 @@
 #include <arpa/inet.h>
 #include <cstdlib>
 #include <dirent.h>
-#include <fcntl.h>
 #include <functional>
 #include <memory>
 #include <netinet/in.h>
@@ -44,7 +43,7 @@ std::vector<int> openDescriptors()
 void forEachConnection(int localPort, const std::function<void(int descriptor, int peerPort)>& act)
 {
     for (const int descriptor : openDescriptors()) {
-        const int duplicate = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+        const int duplicate = dup(descriptor);
         if (duplicate < 0)
             continue;
         const int peerPort = portOf(duplicate, getpeername);
