@@ -1,7 +1,8 @@
 #include "media/FfmpegTask.h"
 
+#include "media/ChildProcess.h"
+
 #include <QByteArray>
-#include <QProcess>
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/prctl.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -63,17 +63,6 @@ int millisecondsUntil(Clock::time_point deadline)
 {
     const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
     return static_cast<int>(std::max<std::int64_t>(0, left.count()));
-}
-
-// Runs in the child between fork and exec, where only calls that are safe in a signal handler are allowed.
-void prepareChild(int outputDescriptor, pid_t parent)
-{
-    ::dup2(outputDescriptor, STDERR_FILENO);
-    ::setpgid(0, 0);
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // The parent may have gone before the request stood.
-    if (::getppid() != parent)
-        ::_exit(EXIT_FAILURE);
 }
 
 enum class Readiness { Output, TimeIsUp, Terminated };
@@ -155,23 +144,22 @@ bool discardOutput(int output, Clock::time_point deadline)
 
 // Ends the child and what it started, politely, then by force, and takes up its exit status. That is taken up only
 // when no signal is to be sent any more, so that the number cannot have come to mean another process.
-void endChild(QProcess& child, int output)
+void endChild(ChildProcess& child, int output)
 {
-    const auto group = static_cast<pid_t>(child.processId());
     const Clock::time_point deadline = Clock::now() + timeToEndWhenAsked;
-    ::kill(-group, SIGTERM);
-    if (discardOutput(output, deadline) && child.waitForFinished(millisecondsUntil(deadline)))
+    child.signalGroup(SIGTERM);
+    if (discardOutput(output, deadline) && child.waitForEnd(milliseconds(millisecondsUntil(deadline))))
         return;
-    ::kill(-group, SIGKILL);
-    child.waitForFinished(static_cast<int>(timeToEndWhenKilled.count()));
+    child.signalGroup(SIGKILL);
+    [[maybe_unused]] const bool ended = child.waitForEnd(timeToEndWhenKilled);
 }
 
 // Waits for the end of a child that has closed its output. False when it lives on, or terminate() came first.
-bool endsByItself(QProcess& child, const std::atomic<bool>& terminated)
+bool endsByItself(ChildProcess& child, const std::atomic<bool>& terminated)
 {
     const Clock::time_point deadline = Clock::now() + timeToEndAfterClosing;
     while (!terminated && Clock::now() < deadline) {
-        if (child.waitForFinished(static_cast<int>(timeBetweenLooks.count())))
+        if (child.waitForEnd(timeBetweenLooks))
             return true;
     }
     return false;
@@ -210,16 +198,11 @@ QString FfmpegTask::launch(const QStringList& arguments, const std::function<voi
     const Descriptor readingEnd(ends[0]);
     Descriptor writingEnd(ends[1]);
 
-    QProcess child;
-    child.setStandardInputFile(QProcess::nullDevice());
-    child.setStandardOutputFile(QProcess::nullDevice());
-    child.setStandardErrorFile(QProcess::nullDevice()); // until prepareChild()
-    child.setChildProcessModifier(
-        [outputDescriptor = ends[1], parent = ::getpid()] { prepareChild(outputDescriptor, parent); });
-    child.start(m_launchPath, arguments, QIODevice::NotOpen);
+    ChildProcess child;
+    const QString failure = child.start(m_launchPath, arguments, writingEnd.number());
     writingEnd.close();
-    if (!child.waitForStarted(-1))
-        return child.errorString();
+    if (!failure.isEmpty())
+        return failure;
 
     if (!readToEnd(readingEnd.number(), m_wakeDescriptor, output) || !endsByItself(child, m_terminated))
         endChild(child, readingEnd.number());
