@@ -1,5 +1,6 @@
 #include "cli/CliApplication.h"
 
+#include "cli/Interruption.h"
 #include "cli/Terminal.h"
 #include "commands/AccountReplies.h"
 #include "commands/LoginCommand.h"
@@ -90,7 +91,8 @@ std::optional<QString> CliApplication::secret(const char* variable, const QStrin
     const auto answer = Terminal::askSecret(prompt);
     if (answer && !answer->isEmpty())
         return answer;
-    m_reporter->error(Text::format("No password: set {}, or answer on a terminal.", variable));
+    if (!Interruption::isRequested())
+        m_reporter->error(Text::format("No password: set {}, or answer on a terminal.", variable));
     return std::nullopt;
 }
 
@@ -244,6 +246,8 @@ void CliApplication::end(ExitCode code)
     m_defaults.synchronize();
     if (code == ExitCode::Done && m_wasErrorPresented)
         code = ExitCode::ServiceError;
+    if (Interruption::isRequested())
+        code = ExitCode::Interrupted;
     if (m_jobModel) {
         m_jobModel->endWork();
         m_processor->stop();

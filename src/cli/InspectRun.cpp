@@ -11,11 +11,19 @@
 
 #include <QFileInfo>
 
+#include <cmath>
+
 namespace {
 
 QJsonValue textOrNull(const QString& text)
 {
     return text.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
+}
+
+// ffmpeg tells hundredths; single precision would print more digits than that.
+QJsonValue hundredthsOrNull(const std::optional<float>& seconds)
+{
+    return seconds ? QJsonValue(std::round(*seconds * 100.0) / 100.0) : QJsonValue(QJsonValue::Null);
 }
 
 QString textOrDash(const QString& text)
@@ -107,7 +115,7 @@ InspectRun::Finding InspectRun::inspectRecording(const QString& file, const QStr
                          duration ? JobTable::hoursMinutesSeconds(*duration) : QStringLiteral("-"),
                          streams.isEmpty() ? QString() : QStringLiteral("\n  ") + indented),
             {{QStringLiteral("file"), file},
-             {QStringLiteral("duration"), duration ? QJsonValue(*duration) : QJsonValue(QJsonValue::Null)},
+             {QStringLiteral("duration"), hundredthsOrNull(duration)},
              {QStringLiteral("streams"), textOrNull(streams)}},
             problem};
 }

@@ -20,6 +20,9 @@ void PlainReporter::print(const ProgressRow& row)
 
 void PlainReporter::rowChanged(const ProgressRow& row)
 {
+    // On the service, the words come a moment after the state.
+    if (row.statusText.isEmpty())
+        return;
     // Neighbouring states share their words; a line for each would say the same twice.
     const auto told = m_told.find({row.depoNum.value_or(0), row.segment});
     if (told == m_told.end() || told->second.statusText != row.statusText)

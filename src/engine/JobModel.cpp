@@ -28,8 +28,11 @@ QString JobModel::tempFilesFolder() const
 
 void JobModel::setTempFilesFolder(const QString& folder)
 {
-    const std::scoped_lock lock(m_workMutex);
-    m_tempFilesFolder = folder;
+    {
+        const std::scoped_lock lock(m_workMutex);
+        m_tempFilesFolder = folder;
+    }
+    Q_EMIT tempFilesFolderChanged();
 }
 
 QString JobModel::username() const
@@ -40,8 +43,11 @@ QString JobModel::username() const
 
 void JobModel::setUsername(const QString& username)
 {
-    const std::scoped_lock lock(m_workMutex);
-    m_username = username;
+    {
+        const std::scoped_lock lock(m_workMutex);
+        m_username = username;
+    }
+    Q_EMIT usernameChanged();
 }
 
 QString JobModel::password() const
@@ -52,8 +58,53 @@ QString JobModel::password() const
 
 void JobModel::setPassword(const QString& password)
 {
-    const std::scoped_lock lock(m_workMutex);
-    m_password = password;
+    {
+        const std::scoped_lock lock(m_workMutex);
+        m_password = password;
+    }
+    Q_EMIT passwordChanged();
+}
+
+void JobModel::setDeliveryFolder(const QString& folder)
+{
+    m_deliveryFolder = folder;
+    Q_EMIT deliveryFolderChanged();
+}
+
+void JobModel::setMaxNumberOfRunningFfmpegProcesses(int number)
+{
+    m_ffmpegProcessesGate.setMaximum(number);
+    Q_EMIT maxNumberOfRunningFfmpegProcessesChanged();
+}
+
+void JobModel::setMaxNumberOfRunningUploads(int number)
+{
+    m_uploadGate.setMaximum(number);
+    Q_EMIT maxNumberOfRunningUploadsChanged();
+}
+
+void JobModel::setIsOnlyDownloadJobsSentFromThisMachine(bool only)
+{
+    m_isOnlyDownloadJobsSentFromThisMachine = only;
+    Q_EMIT isOnlyDownloadJobsSentFromThisMachineChanged();
+}
+
+void JobModel::setContactID(const QString& contactID)
+{
+    m_contactID = contactID;
+    Q_EMIT contactIDChanged();
+}
+
+void JobModel::setStatusCheckTimeInterval(double seconds)
+{
+    m_statusCheckTimeInterval = seconds;
+    Q_EMIT statusCheckTimeIntervalChanged();
+}
+
+void JobModel::setInstructionsCheckTimeInterval(double seconds)
+{
+    m_instructionsCheckTimeInterval = seconds;
+    Q_EMIT instructionsCheckTimeIntervalChanged();
 }
 
 std::vector<JobModel::JobPointer> JobModel::jobs() const

@@ -42,6 +42,21 @@ class JobModel : public QObject, public CUrlCommandResultObserver, public AudioE
                    isCheckingJobStatusChanged)
     Q_PROPERTY(bool isGettingInstructions READ isGettingInstructions WRITE setIsGettingInstructions NOTIFY
                    isGettingInstructionsChanged)
+    Q_PROPERTY(int maxNumberOfRunningFfmpegProcesses READ maxNumberOfRunningFfmpegProcesses WRITE
+                   setMaxNumberOfRunningFfmpegProcesses NOTIFY maxNumberOfRunningFfmpegProcessesChanged)
+    Q_PROPERTY(int maxNumberOfRunningUploads READ maxNumberOfRunningUploads WRITE setMaxNumberOfRunningUploads NOTIFY
+                   maxNumberOfRunningUploadsChanged)
+    Q_PROPERTY(QString tempFilesFolder READ tempFilesFolder WRITE setTempFilesFolder NOTIFY tempFilesFolderChanged)
+    Q_PROPERTY(QString deliveryFolder READ deliveryFolder WRITE setDeliveryFolder NOTIFY deliveryFolderChanged)
+    Q_PROPERTY(QString username READ username WRITE setUsername NOTIFY usernameChanged)
+    Q_PROPERTY(QString password READ password WRITE setPassword NOTIFY passwordChanged)
+    Q_PROPERTY(QString contactID READ contactID WRITE setContactID NOTIFY contactIDChanged)
+    Q_PROPERTY(double statusCheckTimeInterval READ statusCheckTimeInterval WRITE setStatusCheckTimeInterval NOTIFY
+                   statusCheckTimeIntervalChanged)
+    Q_PROPERTY(double instructionsCheckTimeInterval READ instructionsCheckTimeInterval WRITE
+                   setInstructionsCheckTimeInterval NOTIFY instructionsCheckTimeIntervalChanged)
+    Q_PROPERTY(bool isOnlyDownloadJobsSentFromThisMachine READ isOnlyDownloadJobsSentFromThisMachine NOTIFY
+                   isOnlyDownloadJobsSentFromThisMachineChanged)
 public:
     using JobPointer = std::shared_ptr<Job>;
     using MediaFilePointer = std::shared_ptr<MediaFile>;
@@ -54,27 +69,27 @@ public:
     [[nodiscard]] QString tempFilesFolder() const;
     void setTempFilesFolder(const QString& folder);
     [[nodiscard]] QString deliveryFolder() const { return m_deliveryFolder; }
-    void setDeliveryFolder(const QString& folder) { m_deliveryFolder = folder; }
+    void setDeliveryFolder(const QString& folder);
     [[nodiscard]] int maxNumberOfRunningFfmpegProcesses() const { return m_ffmpegProcessesGate.maximum(); }
     // Lets one thread that waits for a converter test the new limit.
-    void setMaxNumberOfRunningFfmpegProcesses(int number) { m_ffmpegProcessesGate.setMaximum(number); }
+    void setMaxNumberOfRunningFfmpegProcesses(int number);
     [[nodiscard]] int numberOfRunningFfmpegProcesses() const { return m_ffmpegProcessesGate.count(); }
     [[nodiscard]] int maxNumberOfRunningUploads() const { return m_uploadGate.maximum(); }
-    void setMaxNumberOfRunningUploads(int number) { m_uploadGate.setMaximum(number); }
-    void setMaxNumberOfRunningUploadss(int number) { m_uploadGate.setMaximum(number); }
+    void setMaxNumberOfRunningUploads(int number);
+    void setMaxNumberOfRunningUploadss(int number) { setMaxNumberOfRunningUploads(number); }
     [[nodiscard]] int numberOfRunningUploads() const { return m_uploadGate.count(); }
     [[nodiscard]] bool isOnlyDownloadJobsSentFromThisMachine() const { return m_isOnlyDownloadJobsSentFromThisMachine; }
-    void setIsOnlyDownloadJobsSentFromThisMachine(bool only) { m_isOnlyDownloadJobsSentFromThisMachine = only; }
+    void setIsOnlyDownloadJobsSentFromThisMachine(bool only);
     [[nodiscard]] QString username() const;
     void setUsername(const QString& username);
     [[nodiscard]] QString password() const;
     void setPassword(const QString& password);
     [[nodiscard]] QString contactID() const { return m_contactID; }
-    void setContactID(const QString& contactID) { m_contactID = contactID; }
+    void setContactID(const QString& contactID);
     [[nodiscard]] double statusCheckTimeInterval() const { return m_statusCheckTimeInterval; }
-    void setStatusCheckTimeInterval(double seconds) { m_statusCheckTimeInterval = seconds; }
+    void setStatusCheckTimeInterval(double seconds);
     [[nodiscard]] double instructionsCheckTimeInterval() const { return m_instructionsCheckTimeInterval; }
-    void setInstructionsCheckTimeInterval(double seconds) { m_instructionsCheckTimeInterval = seconds; }
+    void setInstructionsCheckTimeInterval(double seconds);
     // How long the finder sleeps when it found nothing.
     void setFinderSleepInterval(double seconds) { m_finderSleepInterval = seconds; }
 
@@ -152,7 +167,7 @@ public:
     void processCheckJobsStatusOnServerResponse(const QString& response);
     void processStatusForDepoNum(int depoNum, const QString& transcriptName, const QString& status);
     void processStatusForSegment(int segment, int depoNum, const QString& status, int duration, int score);
-    [[nodiscard]] static QString simulatedCheckStatusResponse(int numOfDepos, int numOfSegmentsInDepo);
+    [[nodiscard]] static QString simulatedCheckStatusResponseNumOfDepos(int numOfDepos, int numOfSegmentsInDepo);
     [[nodiscard]] bool isStatusPollArmed() const { return m_statusTimer.isActive(); }
     void getInstructions();
     void processGetInstructionsResponse(const QString& response);
@@ -172,6 +187,16 @@ Q_SIGNALS:
     void jobAdded(const std::shared_ptr<Job>& job);
     void jobRemoved(const std::shared_ptr<Job>& job);
     void hasUncompletedLocalJobsChanged();
+    void maxNumberOfRunningFfmpegProcessesChanged();
+    void maxNumberOfRunningUploadsChanged();
+    void tempFilesFolderChanged();
+    void deliveryFolderChanged();
+    void usernameChanged();
+    void passwordChanged();
+    void contactIDChanged();
+    void statusCheckTimeIntervalChanged();
+    void instructionsCheckTimeIntervalChanged();
+    void isOnlyDownloadJobsSentFromThisMachineChanged();
     void isCheckingJobStatusChanged();
     void isGettingInstructionsChanged();
     // The job, or one of its files, goes no further by itself: something was refused or failed, for this reason.
@@ -189,6 +214,8 @@ private:
     void convertToMP3ThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile);
     bool threadWaitForFfmpegProcessesCondition() { return m_ffmpegProcessesGate.wait(); }
     void threadSignalForFfmpegProcessesCondition() { m_ffmpegProcessesGate.signal(); }
+    bool threadWaitForUploadCondition() { return m_uploadGate.wait(); }
+    void threadSignalForUploadCondition() { m_uploadGate.signal(); }
     void runExtractor(const MediaFilePointer& mediaFile, const std::function<void(AudioExtractor&)>& work);
     void uploadMediaFileThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile);
     void continueInterruptedWork(const JobPointer& job);

@@ -131,7 +131,7 @@ void JobModel::addServerSegment(const JobPointer& job, int segment, const QStrin
     job->addMediaFilesObject(mediaFile);
 }
 
-QString JobModel::simulatedCheckStatusResponse(int numOfDepos, int numOfSegmentsInDepo)
+QString JobModel::simulatedCheckStatusResponseNumOfDepos(int numOfDepos, int numOfSegmentsInDepo)
 {
     return StatusReply::simulated(numOfDepos, numOfSegmentsInDepo);
 }

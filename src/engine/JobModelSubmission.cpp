@@ -97,7 +97,7 @@ void JobModel::uploadMediaFile(const MediaFilePointer& mediaFile, const JobPoint
 
 void JobModel::uploadMediaFileThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile)
 {
-    if (!m_uploadGate.wait())
+    if (!threadWaitForUploadCondition())
         return;
     const QString mp3Path = mediaFile->mp3FilePath();
     Log::info("Will upload media file: {}", mp3Path);
@@ -152,7 +152,7 @@ void JobModel::processJobUploadedJobFileResponse(const JobPointer& job,
         finishUpload(job, uploadedObject, response);
     else
         presentUploadError(job, uploadedObject.get(), response);
-    m_uploadGate.signal();
+    threadSignalForUploadCondition();
 }
 
 void JobModel::finishUpload(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,

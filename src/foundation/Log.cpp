@@ -81,20 +81,30 @@ class PeriodicFlush
 {
 public:
     explicit PeriodicFlush(std::shared_ptr<spdlog::logger> logger)
-        : m_thread([this, flushed = std::move(logger)](const std::stop_token& stop) {
+        : m_thread([this, flushed = std::move(logger)] {
               prctl(PR_SET_NAME, "log flush");
               std::unique_lock lock(m_mutex);
-              while (!stop.stop_requested()) {
-                  m_wake.wait_for(lock, stop, std::chrono::seconds(1), [] { return false; });
+              while (!m_wake.wait_for(lock, std::chrono::seconds(1), [this] { return m_isEnding; }))
                   flushed->flush();
-              }
           })
     {}
+    ~PeriodicFlush()
+    {
+        {
+            const std::scoped_lock lock(m_mutex);
+            m_isEnding = true;
+        }
+        m_wake.notify_one();
+        m_thread.join();
+    }
+    PeriodicFlush(const PeriodicFlush&) = delete;
+    PeriodicFlush& operator=(const PeriodicFlush&) = delete;
 
 private:
     std::mutex m_mutex;
-    std::condition_variable_any m_wake;
-    std::jthread m_thread;
+    std::condition_variable m_wake;
+    bool m_isEnding = false; // guarded by m_mutex
+    std::thread m_thread;
 };
 
 // Written by configure() and shutDown() alone; the pointers are swapped under the mutex that every reader takes.

@@ -34,7 +34,8 @@ void flush();
 
 [[nodiscard]] bool isEnabled(Level level);
 void write(Level level, std::string_view line);
-// The platform's system log: standard error and syslog where configured, and the file at info level.
+// The platform's system log: a line at info level, so in the file and, where configured, on standard error; syslog is
+// for warnings and errors.
 void systemLogLine(std::string_view line);
 
 // The name that this thread's lines bear.

@@ -9,10 +9,10 @@ namespace TranscriptFileType {
 // Read by the deposition file parser.
 [[nodiscard]] inline bool isParsed(const QString& extension)
 {
-    static const QStringList types{
-        QStringLiteral("TXT"), QStringLiteral("PTF"), QStringLiteral("XML"), QStringLiteral("ASC"),
-        QStringLiteral("CTX"), QStringLiteral("V1"),  QStringLiteral("TRN"), QStringLiteral("WPD"),
-        QStringLiteral("AMI"), QStringLiteral("PRN")};
+    static const QStringList types{QStringLiteral("TXT"), QStringLiteral("PTF"), QStringLiteral("XML"),
+                                   QStringLiteral("ASC"), QStringLiteral("CTX"), QStringLiteral("V1"),
+                                   QStringLiteral("TRN"), QStringLiteral("WPD"), QStringLiteral("AMI"),
+                                   QStringLiteral("PRN")};
     return types.contains(extension.toUpper());
 }
 
