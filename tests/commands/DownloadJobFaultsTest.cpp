@@ -272,6 +272,7 @@ TEST_F(DownloadJobFaultsTest, CancellingEndsADeliveryThatHangsAndMarksNothing)
     EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
     EXPECT_EQ(command->result(), CURLE_ABORTED_BY_CALLBACK);
     EXPECT_EQ(service.count(downloadEndpoint), 4); // Nothing was asked after the request that hung.
+    EXPECT_EQ(deliveredFiles(), QStringList{u"Universal_ASCII/a.txt"_s}); // Nor was the next file begun.
     EXPECT_EQ(service.count("Korvane_ReadMe.txt"), 0);
     EXPECT_FALSE(isMarked());
 }
