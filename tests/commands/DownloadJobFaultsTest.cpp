@@ -215,7 +215,7 @@ TEST_F(DownloadJobFaultsTest, AListedNameOfWhichNothingIsLeftHarmsNoOtherFile)
 struct JobFolderCase
 {
     std::vector<std::string> facts;
-    // Empty where no file system takes the name.
+    // With its slash; empty for the delivery folder itself.
     QString folder;
 };
 
