@@ -24,7 +24,7 @@ void ChangePasswordRun::start()
 
 bool ChangePasswordRun::askNewPassword()
 {
-    const bool isInEnvironment = qEnvironmentVariableIsSet(newPasswordVariable);
+    const bool isInEnvironment = !qEnvironmentVariableIsEmpty(newPasswordVariable);
     const auto newPassword = application().secret(newPasswordVariable, QStringLiteral("New password: "));
     if (!newPassword)
         return false;
@@ -52,7 +52,7 @@ void ChangePasswordRun::send()
         ChangePasswordCommand::changePasswordCommandWithUser(app.hosts(), app.user(), app.password(), m_newPassword),
         [this, &app](CUrlCommand& command, bool succeeded) {
             if (!succeeded) {
-                app.presentError(command.error());
+                app.presentFailure(command, QStringLiteral("The password cannot be changed"));
                 app.end(ExitCode::ServiceError);
             } else if (!AccountReplies::isPasswordChanged(command.dataAsString())) {
                 app.reporter().error(command.dataAsString());

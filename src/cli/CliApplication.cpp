@@ -151,6 +151,13 @@ void CliApplication::request(const std::shared_ptr<CUrlCommand>& command, Servic
         }));
 }
 
+void CliApplication::presentFailure(const CUrlCommand& command, const QString& words)
+{
+    Error error = command.error();
+    error.localizedDescription = Text::format("{}: {}", words, error.localizedDescription);
+    presentError(error);
+}
+
 void CliApplication::login(std::function<void(const QString&)> loggedIn)
 {
     request(LoginCommand::loginCommandWithUser(*m_hosts, user(), m_password),
@@ -163,9 +170,7 @@ void CliApplication::loginEnded(const CUrlCommand& command, bool succeeded,
                                 const std::function<void(const QString&)>& loggedIn)
 {
     if (!succeeded) {
-        Error error = command.error();
-        error.localizedDescription = Text::format("Login error: {}", error.localizedDescription);
-        presentError(error);
+        presentFailure(command, QStringLiteral("Login error"));
         end(ExitCode::ServiceError);
         return;
     }

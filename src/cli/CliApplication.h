@@ -38,6 +38,9 @@ public:
     // Sends a command of the run's own; `ended` is called once.
     void request(const std::shared_ptr<CUrlCommand>& command, ServiceRequest::Ended ended);
 
+    // Presents the failure of a request of the run's own, after words that say what cannot be done.
+    void presentFailure(const CUrlCommand& command, const QString& words);
+
     // Ends the run: with `code`, or with a service error where one was presented and `code` is Done.
     void end(ExitCode code);
     // Ends the run once the log that follows a presented error has been sent, but does not wait long for it.

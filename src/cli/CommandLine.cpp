@@ -57,6 +57,23 @@ std::string dateProblem(const std::string& text)
     return "\"" + text + "\" is not a date of the form YYYY-MM-DD";
 }
 
+std::string pollIntervalProblem(const std::string& text)
+{
+    constexpr double shortest = 0.05;
+    constexpr double longest = 86400;
+    bool isNumber = false;
+    const double seconds = QString::fromStdString(text).toDouble(&isNumber);
+    if (isNumber && seconds >= shortest && seconds <= longest) // not "nan"
+        return {};
+    return "\"" + text + "\" is not a number of seconds from 0.05 to 86400";
+}
+
+CLI::Validator limitCheck()
+{
+    // Without a name of its own, which the help would show.
+    return CLI::Range(1, 1024).description("");
+}
+
 void addGlobalOptions(CLI::App& app, CommandLine& line, Arguments& arguments)
 {
     app.add_option("--secure-host", arguments.secureHost, "The service, as https://HOST[:PORT]")->type_name("URL");
@@ -65,14 +82,12 @@ void addGlobalOptions(CLI::App& app, CommandLine& line, Arguments& arguments)
     app.add_option("--user", arguments.user, "The account's user name (or QUILLPOST_USER)")->type_name("NAME");
     app.add_option("--poll-interval", line.pollInterval, "Seconds between two status requests (60)")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.05, 86400.0));
+        ->check(CLI::Validator(pollIntervalProblem, ""));
     app.add_option("--delivery-folder", arguments.deliveryFolder, "Where results are delivered")->type_name("DIR");
     app.add_option("--temp-folder", arguments.tempFolder, "Where audio is prepared and unfinished jobs are kept")
         ->type_name("DIR");
-    app.add_option("--max-ffmpeg", line.maxFfmpeg, "ffmpeg programs at once")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024));
-    app.add_option("--max-uploads", line.maxUploads, "Uploads at once")->type_name("N")->check(CLI::Range(1, 1024));
+    app.add_option("--max-ffmpeg", line.maxFfmpeg, "ffmpeg programs at once")->type_name("N")->check(limitCheck());
+    app.add_option("--max-uploads", line.maxUploads, "Uploads at once")->type_name("N")->check(limitCheck());
     app.add_flag("--json", line.json, "One JSON object a line for every change, on standard output");
     app.add_flag("--verbose", line.verbose, "Copy the log to standard error");
 }
@@ -81,7 +96,7 @@ CLI::App* addSubmit(CLI::App& app, CommandLine& line, Arguments& arguments)
 {
     CLI::App* const submit = app.add_subcommand("submit", "Submit a job and follow it until its results are delivered");
     submit->add_option("--transcript", arguments.transcript, "The transcript")->type_name("FILE")->required();
-    submit->add_option("--media", arguments.media, "The recordings, one or more")->type_name("FILE...")->required();
+    submit->add_option("--media", arguments.media, "The recordings, one or more")->type_name("FILE")->required();
     submit->add_option("--first", arguments.firstName, "The deponent's first name (else as found in the transcript)")
         ->type_name("NAME");
     submit->add_option("--last", arguments.lastName, "The deponent's last name (else as found in the transcript)")
@@ -165,12 +180,17 @@ std::variant<CommandLine, ExitCode> CommandLine::read(int argc, const char* cons
     const CLI::App* const jobs = app.add_subcommand("jobs", "List the service's jobs and the saved ones");
     const CLI::App* const change = app.add_subcommand("change-password", "Replace the account's password");
     CLI::App* const inspect = app.add_subcommand("inspect", "Print what is found in transcripts and recordings");
-    inspect->add_option("files", arguments.inspectFiles, "Transcripts and recordings")
-        ->type_name("FILE...")
-        ->required();
+    inspect->add_option("files", arguments.inspectFiles, "Transcripts and recordings")->type_name("FILE")->required();
 
     try {
         app.parse(argc, argv);
+    } catch (const CLI::RequiredError& error) {
+        const auto unknown = app.remaining();
+        if (!app.get_subcommands().empty() || unknown.empty())
+            app.exit(error);
+        else
+            app.exit(CLI::ValidationError("there is no command \"" + unknown.front() + "\""));
+        return ExitCode::Usage;
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
     }

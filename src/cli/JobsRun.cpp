@@ -24,7 +24,7 @@ void JobsRun::askStatus(const QString& contactID)
                         print(command.dataAsString());
                         app.end(ExitCode::Done);
                     } else {
-                        app.presentError(command.error());
+                        app.presentFailure(command, QStringLiteral("The status cannot be asked for"));
                         print(QString()); // The saved jobs are known all the same.
                         app.endAfterLogUpload(ExitCode::ServiceError);
                     }

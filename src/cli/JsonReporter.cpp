@@ -34,42 +34,47 @@ QJsonObject asObject(const ProgressRow& row)
     return object;
 }
 
-void print(const QJsonObject& object)
+void printObject(const QJsonObject& object)
 {
     Terminal::printOut(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
 }
 
 } // namespace
 
+void JsonReporter::print(const ProgressRow& row)
+{
+    // A status is announced at each reply of the service, whether it is another one or not.
+    QJsonObject& told = m_told[{row.depoNum.value_or(0), row.segment}];
+    const QJsonObject now = asObject(row);
+    if (now == told)
+        return;
+    told = now;
+    printObject(now);
+}
+
 void JsonReporter::rowChanged(const ProgressRow& row)
 {
-    m_fractions[{row.depoNum.value_or(0), row.segment}] = row.fraction().value_or(0);
-    print(asObject(row));
+    print(row);
 }
 
 void JsonReporter::rowsAre(const std::vector<ProgressRow>& rows)
 {
-    for (const ProgressRow& row : rows) {
-        double& told = m_fractions[{row.depoNum.value_or(0), row.segment}];
-        if (const double now = row.fraction().value_or(0); now != told) {
-            told = now;
-            print(asObject(row));
-        }
-    }
+    for (const ProgressRow& row : rows)
+        print(row);
 }
 
 void JsonReporter::note(const QString& words)
 {
-    print({{QStringLiteral("event"), QStringLiteral("note")}, {QStringLiteral("message"), words}});
+    printObject({{QStringLiteral("event"), QStringLiteral("note")}, {QStringLiteral("message"), words}});
 }
 
 void JsonReporter::error(const QString& words)
 {
-    print({{QStringLiteral("event"), QStringLiteral("error")}, {QStringLiteral("message"), words}});
+    printObject({{QStringLiteral("event"), QStringLiteral("error")}, {QStringLiteral("message"), words}});
     Terminal::printError(words);
 }
 
 void JsonReporter::result(const QString& /*line*/, const QJsonObject& object)
 {
-    print(object);
+    printObject(object);
 }

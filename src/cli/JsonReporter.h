@@ -2,6 +2,8 @@
 
 #include "cli/Reporter.h"
 
+#include <QJsonObject>
+
 #include <map>
 #include <utility>
 
@@ -16,5 +18,7 @@ public:
     void result(const QString& line, const QJsonObject& object) override;
 
 private:
-    std::map<std::pair<int, int>, double> m_fractions; // as last told, by deposition and segment
+    void print(const ProgressRow& row);
+
+    std::map<std::pair<int, int>, QJsonObject> m_told; // by deposition and segment
 };

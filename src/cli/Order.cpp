@@ -115,16 +115,16 @@ std::variant<Order::Prepared, QString> Order::prepare(const SubmitOptions& optio
 QStringList Order::applyServiceOptions(const SubmitOptions& options, Job& job)
 {
     // The order matters: rush and interpreter each move the level away from what is not offered with them.
-    job.setProcessingLevel(options.processingLevel.value_or(ProcessingLevelAutoSync));
+    const int wanted = options.processingLevel.value_or(ProcessingLevelAutoSync);
+    job.setProcessingLevel(wanted);
     if (options.rush)
         job.setRush(true);
     if (options.viaInterpreter)
         job.setViaInterpreter(true);
     QStringList remarks;
-    if (options.processingLevel && job.processingLevel() != *options.processingLevel) {
-        remarks << Text::format("{} is not offered with {}: {} is ordered.",
-                                processingLevelName(*options.processingLevel),
-                                options.viaInterpreter && *options.processingLevel == ProcessingLevelAutoSync
+    if (job.processingLevel() != wanted) {
+        remarks << Text::format("{} is not offered with {}: {} is ordered.", processingLevelName(wanted),
+                                options.viaInterpreter && wanted == ProcessingLevelAutoSync
                                     ? QStringLiteral("an interpreter")
                                     : QStringLiteral("rush service"),
                                 levelName(job));

@@ -21,6 +21,14 @@ void takeObject(const MediaObject& object, ProgressRow& row)
     row.score = object.scoreValue();
 }
 
+// The segments of a job that only the service knows come in any order; their names tell their numbers.
+std::optional<int> segmentOnServer(const MediaFile& mediaFile)
+{
+    bool isNumber = false;
+    const int number = mediaFile.name().section(u' ', -1).toInt(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
 } // namespace
 
 ProgressRow ProgressRow::ofJob(const Job& job)
@@ -39,7 +47,7 @@ ProgressRow ProgressRow::ofMediaFile(const Job& job, const MediaFile& mediaFile,
     row.depoNum = job.depoNum();
     row.orderNum = job.orderNum();
     row.isServerJob = job.serverJob();
-    row.segment = segment;
+    row.segment = mediaFile.isServerMediaFile() ? segmentOnServer(mediaFile).value_or(segment) : segment;
     takeObject(mediaFile, row);
     return row;
 }

@@ -35,7 +35,7 @@ void SubmitRun::askRates()
                 [this, &app](CUrlCommand& command, bool succeeded) {
                     if (!succeeded) {
                         // An order without product codes would be another order than the user's.
-                        app.presentError(command.error());
+                        app.presentFailure(command, QStringLiteral("The prices cannot be asked for"));
                         app.endAfterLogUpload(ExitCode::ServiceError);
                         return;
                     }
@@ -56,7 +56,7 @@ void SubmitRun::askLogAvailability()
                                                                        app.jobModel().contactID()),
                 [this, &app](CUrlCommand& command, bool succeeded) {
                     if (!succeeded) {
-                        app.presentError(command.error());
+                        app.presentFailure(command, QStringLiteral("The LOG format cannot be asked for"));
                         app.endAfterLogUpload(ExitCode::ServiceError);
                         return;
                     }

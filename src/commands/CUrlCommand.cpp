@@ -32,7 +32,7 @@ std::size_t writeFunction(char* bytes, std::size_t size, std::size_t number, voi
 
 int progressFunction(void* command, double dlTotal, double dlNow, double ulTotal, double ulNow)
 {
-    return static_cast<CUrlCommand*>(command)->progressCallback(dlTotal, dlNow, ulTotal, ulNow);
+    return static_cast<CUrlCommand*>(command)->progressCallbackDLTotal(dlTotal, dlNow, ulTotal, ulNow);
 }
 
 // Takes libcurl's own remarks away from standard error. Bodies pass here too and may hold passwords: nothing is kept.
@@ -246,7 +246,7 @@ std::size_t CUrlCommand::selfBodyFunction(const char* bytes, std::size_t size, s
     return size * number;
 }
 
-int CUrlCommand::progressCallback(double dlTotal, double dlNow, double ulTotal, double ulNow)
+int CUrlCommand::progressCallbackDLTotal(double dlTotal, double dlNow, double ulTotal, double ulNow)
 {
     const Progress progress{dlTotal, dlNow, ulTotal, ulNow};
     MainThread::runAndWait([this, progress] { notifyObserverProgressFromMainThread(progress); });

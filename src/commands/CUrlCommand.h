@@ -66,7 +66,7 @@ public:
 
     // Sinks of libcurl's callbacks, on the worker thread.
     std::size_t selfBodyFunction(const char* bytes, std::size_t size, std::size_t number);
-    int progressCallback(double dlTotal, double dlNow, double ulTotal, double ulNow);
+    int progressCallbackDLTotal(double dlTotal, double dlNow, double ulTotal, double ulNow);
 
 protected:
     void setResult(int result) { m_result = result; }

@@ -167,10 +167,15 @@ std::optional<QString> DownloadJobFilesCommand::retriveLocalIntermediatePath()
     return QString();
 }
 
+std::optional<QString> DownloadJobFilesCommand::fileTypeSubFolder(const QString& fileName)
+{
+    return DeliveryPath::fileTypeSubFolder(fileName);
+}
+
 void DownloadJobFilesCommand::downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath)
 {
     const QString name = DeliveryPath::fileName(listedName);
-    const std::optional<QString> subFolder = DeliveryPath::fileTypeSubFolder(name);
+    const std::optional<QString> subFolder = fileTypeSubFolder(name);
     // With no usable name left, the slash keeps a file from standing where the folder has to be.
     const QString folder = PathText::appendingPathComponent(jobFolderPath, subFolder.value_or(QString()));
     const QString destination = name.isEmpty() ? folder + u'/' : PathText::appendingPathComponent(folder, name);

@@ -35,6 +35,8 @@ public:
     // The job's folder below the delivery folder, "" for the delivery folder itself; nothing when the service did not
     // answer, with result() set. Asks the service, blocking.
     [[nodiscard]] std::optional<QString> retriveLocalIntermediatePath();
+    // See DeliveryPath.
+    [[nodiscard]] static std::optional<QString> fileTypeSubFolder(const QString& fileName);
 
 private:
     [[nodiscard]] QStringList listResultFiles();

@@ -15,7 +15,7 @@ SetMediaFormatCommand::SetMediaFormatCommand(const ServiceHosts& hosts, const QS
     QString body = Text::format("user={}&pass={}", user, password);
     body += Text::format("&depo={}", NumberReading::valueOrZero(m_job->depoNum()));
     body += Text::format("&segment={}", SegmentPosition::ofMediaFile(*m_job, m_mediaFile));
-    body += Text::format("&format={}", UrlEncoding::urlEncode(m_mediaFile->streamsInfo()));
+    body += Text::format("&format={}", UrlEncoding::urlEncodeUsingEncoding(m_mediaFile->streamsInfo()));
     setString(body, CURLOPT_POSTFIELDS);
 }
 

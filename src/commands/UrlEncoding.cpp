@@ -24,7 +24,7 @@ QString percentEncoded(const QString& text, const char* passes)
 
 } // namespace
 
-QString UrlEncoding::urlEncode(const QString& text)
+QString UrlEncoding::urlEncodeUsingEncoding(const QString& text)
 {
     return percentEncoded(text, "-._~");
 }

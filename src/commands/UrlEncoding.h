@@ -6,7 +6,7 @@
 namespace UrlEncoding {
 
 // Everything but unreserved characters is escaped, from the text's UTF-8.
-[[nodiscard]] QString urlEncode(const QString& text);
+[[nodiscard]] QString urlEncodeUsingEncoding(const QString& text);
 
 // Escapes what may not stand in a URL's query. "&", "=", "+", "/", "?", ":" and "@" pass as they are, so a value that
 // holds "&" or "=" breaks its field apart; the service expects exactly this.

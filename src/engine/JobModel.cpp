@@ -140,16 +140,32 @@ void JobModel::removeJobsObject(const JobPointer& job)
         std::erase(m_jobs, removed);
     }
     if (m_isDepoIndexInUse)
-        std::erase_if(m_depoIndex, [&](const auto& entry) { return entry.second == removed; });
+        removeFromDepoIndex(removed);
     Q_EMIT jobRemoved(removed);
+}
+
+void JobModel::removeFromDepoIndex(const JobPointer& job)
+{
+    const auto entry = m_depoIndex.find(NumberReading::valueOrZero(job->depoNum()));
+    if (entry == m_depoIndex.end() || entry->second != job)
+        return;
+    // Another job may have the same number.
+    const int depoNum = entry->first;
+    m_depoIndex.erase(entry);
+    if (const JobPointer other = searchJobWithDepoNum(depoNum))
+        m_depoIndex.emplace(depoNum, other);
 }
 
 JobModel::JobPointer JobModel::findJobWithDepoNum(int depoNum) const
 {
-    if (m_isDepoIndexInUse) {
-        const auto found = m_depoIndex.find(depoNum);
-        return found == m_depoIndex.end() ? nullptr : found->second;
-    }
+    if (!m_isDepoIndexInUse)
+        return searchJobWithDepoNum(depoNum);
+    const auto found = m_depoIndex.find(depoNum);
+    return found == m_depoIndex.end() ? nullptr : found->second;
+}
+
+JobModel::JobPointer JobModel::searchJobWithDepoNum(int depoNum) const
+{
     const std::scoped_lock lock(m_jobsMutex);
     const auto found = std::find_if(m_jobs.begin(), m_jobs.end(), [=](const JobPointer& job) {
         return NumberReading::valueOrZero(job->depoNum()) == depoNum;

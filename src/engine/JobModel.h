@@ -221,6 +221,8 @@ private:
     void continueInterruptedWork(const JobPointer& job);
     void requestReprocessing(const JobPointer& job, const MediaFilePointer& mediaFile, const QString& status);
     void addServerSegment(const JobPointer& job, int segment, const QString& status, std::optional<int> score);
+    void removeFromDepoIndex(const JobPointer& job);
+    [[nodiscard]] JobPointer searchJobWithDepoNum(int depoNum) const;
     [[nodiscard]] QString failurePrefix(const CUrlCommand& command) const;
     [[nodiscard]] static JobPointer jobStoppedByFailureOf(const CUrlCommand& command);
     void post(const std::shared_ptr<CUrlCommand>& command);

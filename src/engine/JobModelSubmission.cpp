@@ -107,8 +107,10 @@ void JobModel::uploadMediaFileThreadProc(const JobPointer& job, const MediaFileP
     const auto files = job->mediaFiles();
     const auto found = std::find_if(files.begin(), files.end(),
                                     [&](const auto& file) { return file == mediaFile || file->isEqual(*mediaFile); });
-    if (!Assertion::check(found != files.end(), "Invalid media file"))
+    if (!Assertion::check(found != files.end(), "Invalid media file")) {
+        m_uploadGate.lose();
         return;
+    }
     const int segment = static_cast<int>(found - files.begin()) + 1;
 
     mediaFile->startAccessingBookmarkedURL();

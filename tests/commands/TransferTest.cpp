@@ -162,7 +162,7 @@ TEST_F(TransferTest, ProgressReachesTheObserverOnTheMainThreadBeforeTheSinkRetur
     std::atomic<std::size_t> callsAfterReturn = 0;
     std::atomic<int> returned = -1;
     std::thread worker([&] {
-        returned = command.progressCallback(/*dlTotal=*/1, /*dlNow=*/2, /*ulTotal=*/3, /*ulNow=*/4);
+        returned = command.progressCallbackDLTotal(/*dlTotal=*/1, /*dlNow=*/2, /*ulTotal=*/3, /*ulNow=*/4);
         callsAfterReturn = observer.calls().size();
     });
     EXPECT_TRUE(Waiting::until([&] { return callsAfterReturn > 0; }));
@@ -180,7 +180,7 @@ TEST_F(TransferTest, ProgressReachesTheObserverOnTheMainThreadBeforeTheSinkRetur
 TEST_F(TransferTest, ProgressWithoutAnObserverIsDropped)
 {
     CUrlCommand command(u"https://127.0.0.1"_s);
-    EXPECT_EQ(command.progressCallback(1, 2, 3, 4), 0);
+    EXPECT_EQ(command.progressCallbackDLTotal(1, 2, 3, 4), 0);
 }
 
 TEST(TransferErrorTest, SuccessIsDescribedToo)

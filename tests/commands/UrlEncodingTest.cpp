@@ -36,7 +36,7 @@ TEST(UrlEncodingTest, TheQueryEncodingKeepsWhatMayStandInAQuery)
 TEST(UrlEncodingTest, TheQueryEncodingLetsAValueBreakItsFieldApartBecauseTheServiceExpectsThat)
 {
     EXPECT_EQ(UrlEncoding::urlQueryString(u"a b&c=d"_s), u"a%20b&c=d"_s);
-    EXPECT_EQ(UrlEncoding::urlEncode(u"a b&c=d"_s), u"a%20b%26c%3Dd"_s);
+    EXPECT_EQ(UrlEncoding::urlEncodeUsingEncoding(u"a b&c=d"_s), u"a%20b%26c%3Dd"_s);
 }
 
 TEST(UrlEncodingTest, TextOutsideAsciiIsEscapedFromItsUtf8)
