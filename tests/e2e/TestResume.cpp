@@ -1,0 +1,62 @@
+#include "CliTest.h"
+
+#include <QFile>
+
+using testing::HasSubstr;
+
+namespace {
+
+class Resume : public CliTest
+{
+protected:
+    // A job that stopped at its upload.
+    void leaveAJob(const QString& recordingName)
+    {
+        service.addOverride("test_custupload2.php", {.status = 500});
+        EXPECT_EQ(run(order({recording(recordingName)})).exitCode(), 3);
+        service.clearOverrides();
+    }
+};
+
+} // namespace
+
+TEST_F(Resume, withoutSavedJobsIsDoneAtOnce)
+{
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_EQ(text(program.standardError()), "No saved jobs.\n");
+}
+
+TEST_F(Resume, worksUntilAllSavedJobsAreCompleted)
+{
+    leaveAJob(QStringLiteral("a.wav"));
+    service.addOverride("jobdetails.php", {.reply = "later"});
+    EXPECT_EQ(run(order({recording(QStringLiteral("b.wav"))})).exitCode(), 3);
+    service.clearOverrides();
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
+    EXPECT_THAT(text(program.standardOutput()), HasSubstr("Job 883 is completed"));
+    EXPECT_THAT(text(program.standardOutput()), HasSubstr("Job 884 is completed"));
+    for (const DemoService::Job& job : service.jobs())
+        EXPECT_TRUE(job.delivered) << job.depoNumber;
+
+    EXPECT_EQ(text(run({QStringLiteral("resume")}).standardError()), "No saved jobs.\n");
+}
+
+TEST_F(Resume, ofAJobThatStopsAgainIsAServiceError)
+{
+    leaveAJob(QStringLiteral("a.wav"));
+    service.addOverride("test_custupload2.php", {.reply = "DISK FULL"});
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 3);
+    EXPECT_THAT(text(program.standardError()), HasSubstr("DISK FULL"));
+    EXPECT_TRUE(QFile::exists(stateFile()));
+}
+
+TEST_F(Resume, ofASavedListThatCannotBeReadIsNoCrash)
+{
+    writeFile(QStringLiteral("temp/State_demo.archive"), "{ not JSON \xff");
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_THAT(text(program.standardError()), HasSubstr("No saved jobs."));
+}
