@@ -72,7 +72,7 @@ InspectRun::Finding InspectRun::inspectTranscript(const QString& file, const QSt
     std::shared_ptr<DepositionFileParser> parser;
     if (TranscriptFileType::isParsed(PathText::pathExtension(path)) && QFileInfo(path).isFile()) {
         try {
-            parser = DepositionFileParser::depositionFileParserWithPath(path);
+            parser = DepositionFileParser::depositionFileParserWithFilePath(path);
         } catch (const DeponentNameOutOfRange&) {
             // Nothing is prefilled for such a transcript.
         }

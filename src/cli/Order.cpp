@@ -52,7 +52,7 @@ void prefill(const QString& transcript, const SubmitOptions& options, Order::Pre
     if (!TranscriptFileType::isParsed(PathText::pathExtension(transcript)))
         return;
     try {
-        const auto parser = DepositionFileParser::depositionFileParserWithPath(transcript);
+        const auto parser = DepositionFileParser::depositionFileParserWithFilePath(transcript);
         if (!parser)
             return;
         if (!options.firstName)

@@ -137,7 +137,7 @@ QString continuation(const QStringList& lines, qsizetype line)
 
 } // namespace
 
-std::shared_ptr<DepositionFileParser> DepositionFileParser::depositionFileParserWithPath(const QString& path)
+std::shared_ptr<DepositionFileParser> DepositionFileParser::depositionFileParserWithFilePath(const QString& path)
 {
     const TranscriptText::Reading reading = TranscriptText::read(path);
     if (!reading.text) {

@@ -21,7 +21,7 @@ class DepositionFileParser
 {
 public:
     // Null when the file cannot be read as text, which is logged as an error. Throws DeponentNameOutOfRange.
-    [[nodiscard]] static std::shared_ptr<DepositionFileParser> depositionFileParserWithPath(const QString& path);
+    [[nodiscard]] static std::shared_ptr<DepositionFileParser> depositionFileParserWithFilePath(const QString& path);
 
     // All of the name before the last name; it may hold several words, titles and initials. Null when not found.
     [[nodiscard]] QString deponentFirstName() const { return m_deponentFirstName; }

@@ -16,7 +16,7 @@ class TranscriptFile : public TemporaryHome
 protected:
     std::shared_ptr<DepositionFileParser> parse(const QByteArray& contents)
     {
-        return DepositionFileParser::depositionFileParserWithPath(writeFile(QStringLiteral("depo.txt"), contents));
+        return DepositionFileParser::depositionFileParserWithFilePath(writeFile(QStringLiteral("depo.txt"), contents));
     }
     std::string summary(const QByteArray& contents)
     {
@@ -108,7 +108,7 @@ TEST_F(TranscriptFile, WithoutADeponentTheDateIsLookedForOnTheFirstEightLines)
     EXPECT_EQ(summary("a\r\nb\r\nc\r\nd\r\ne\r\nf\r\ng\r\nMay 3, 2011\r\nJune 4, 2012\r\nx\r\n"), "||03 may 2011");
 }
 
-TEST_F(TranscriptFile, CorporateWitnessFailsAsDocumented)
+TEST_F(TranscriptFile, CorporateWitnessThrowsAndGivesNothing)
 {
     EXPECT_THROW((void)parse("30(b)(6)\r\nDEPOSITION OF JOHN SMITH\r\nMay 3, 2011\r\n"), DeponentNameOutOfRange);
     EXPECT_THROW((void)parse("DEPOSITION OF ACME 30(b)(6)\r\n"), std::out_of_range);
@@ -126,13 +126,13 @@ TEST_F(TranscriptFile, EmptyFileGivesEmptyFields)
 TEST_F(TranscriptFile, WhatCannotBeReadIsLoggedAndGivesNothing)
 {
     const RecordedLog log;
-    EXPECT_EQ(DepositionFileParser::depositionFileParserWithPath(path(QStringLiteral("missing.txt"))), nullptr);
-    EXPECT_EQ(DepositionFileParser::depositionFileParserWithPath(path(QStringLiteral("."))), nullptr);
-    EXPECT_EQ(DepositionFileParser::depositionFileParserWithPath(QString()), nullptr);
+    EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(path(QStringLiteral("missing.txt"))), nullptr);
+    EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(path(QStringLiteral("."))), nullptr);
+    EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(QString()), nullptr);
     const QString pipe = path(QStringLiteral("pipe.txt"));
     ASSERT_EQ(mkfifo(qUtf8Printable(pipe), 0600), 0);
-    EXPECT_EQ(DepositionFileParser::depositionFileParserWithPath(pipe), nullptr);
-    EXPECT_EQ(DepositionFileParser::depositionFileParserWithPath(QStringLiteral("/dev/zero")), nullptr);
+    EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(pipe), nullptr);
+    EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(QStringLiteral("/dev/zero")), nullptr);
     EXPECT_EQ(parse(QByteArray("\xFF\xFE\x41", 3)), nullptr);
     EXPECT_EQ(log.count(QStringLiteral("Error \"")), 6);
     EXPECT_TRUE(log.contains(QStringLiteral("missing.txt\": No such file")));
@@ -145,7 +145,7 @@ TEST_F(TranscriptFile, TooLargeFileIsRefusedUnread)
     const RecordedLog log;
     const QString file = writeFile(QStringLiteral("huge.txt"), "x");
     ASSERT_EQ(truncate(qUtf8Printable(file), 300LL * 1024 * 1024), 0);
-    EXPECT_EQ(DepositionFileParser::depositionFileParserWithPath(file), nullptr);
+    EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(file), nullptr);
     EXPECT_TRUE(log.contains(QStringLiteral("too large for a transcript")));
 }
 
