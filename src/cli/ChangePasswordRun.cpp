@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr const char* newPasswordVariable = "QUILLPOST_NEW_PASSWORD";
 constexpr qsizetype shortestPassword = 4;
 
 } // namespace
@@ -24,12 +23,12 @@ void ChangePasswordRun::start()
 
 bool ChangePasswordRun::askNewPassword()
 {
-    const bool isInEnvironment = !qEnvironmentVariableIsEmpty(newPasswordVariable);
-    const auto newPassword = application().secret(newPasswordVariable, QStringLiteral("New password: "));
+    const auto newPassword =
+        application().secret(CliApplication::Secret::NewPassword, QStringLiteral("New password: "));
     if (!newPassword)
         return false;
     QString confirmation = *newPassword;
-    if (!isInEnvironment)
+    if (!application().isNewPasswordInEnvironment())
         confirmation = Terminal::askSecret(QStringLiteral("New password again: ")).value_or(QString());
     if (const auto refusal =
             AccountReplies::refusalOfNewPassword(*newPassword, confirmation, application().password())) {

@@ -4,6 +4,7 @@
 #include "cli/Terminal.h"
 #include "commands/AccountReplies.h"
 #include "commands/LoginCommand.h"
+#include "engine/SavedState.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
@@ -21,6 +22,8 @@
 
 namespace {
 
+constexpr const char* passwordVariable = "QUILLPOST_PASSWORD";
+constexpr const char* newPasswordVariable = "QUILLPOST_NEW_PASSWORD";
 constexpr std::chrono::milliseconds longestLogUpload{3000};
 // A transfer that hangs never holds up the end by more than this.
 constexpr std::chrono::milliseconds longestEnd{800};
@@ -36,6 +39,8 @@ int storedLimit(const UserDefaults& defaults, const QString& key)
 CliApplication::CliApplication(const CommandLine& line)
     : m_line(line), m_reporter(Reporter::make(line.json)), m_defaults(UserFolders::settingsFilePath())
 {
+    m_passwordVariable = takeVariable(passwordVariable);
+    m_newPasswordVariable = takeVariable(newPasswordVariable);
     UserDefaults::setStandard(&m_defaults);
     configureLog();
     Preferences::initialize(m_defaults);
@@ -72,7 +77,7 @@ bool CliApplication::prepareForService()
         m_reporter->error(QStringLiteral("No user name: give --user NAME or set QUILLPOST_USER."));
         return false;
     }
-    const auto password = secret("QUILLPOST_PASSWORD", Text::format("Password of {}: ", m_line.user));
+    const auto password = secret(Secret::Password, Text::format("Password of {}: ", m_line.user));
     if (!password)
         return false;
     m_password = *password;
@@ -80,20 +85,36 @@ bool CliApplication::prepareForService()
     return true;
 }
 
-std::optional<QString> CliApplication::secret(const char* variable, const QString& prompt)
+std::optional<QString> CliApplication::takeVariable(const char* variable)
 {
-    if (qEnvironmentVariableIsSet(variable)) {
-        const QString value = qEnvironmentVariable(variable);
-        qunsetenv(variable); // The programs that this one starts need not know it.
-        if (!value.isEmpty())
-            return value;
-    }
+    const QString value = qEnvironmentVariable(variable);
+    qunsetenv(variable);
+    return value.isEmpty() ? std::nullopt : std::optional(value);
+}
+
+std::optional<QString> CliApplication::secret(Secret which, const QString& prompt)
+{
+    const auto& variable = which == Secret::Password ? m_passwordVariable : m_newPasswordVariable;
+    if (variable)
+        return variable;
     const auto answer = Terminal::askSecret(prompt);
     if (answer && !answer->isEmpty())
         return answer;
     if (!Interruption::isRequested())
-        m_reporter->error(Text::format("No password: set {}, or answer on a terminal.", variable));
+        m_reporter->error(Text::format("No password: set {}, or answer on a terminal.",
+                                       which == Secret::Password ? passwordVariable : newPasswordVariable));
     return std::nullopt;
+}
+
+bool CliApplication::takeSavedJobs()
+{
+    const QString path = SavedState::filePath(m_tempFolder, user());
+    if (m_savedStateLock.take(path))
+        return true;
+    m_reporter->error(Text::format("The jobs of {} in {} are being worked on by {}. Wait for it, or use another "
+                                   "--temp-folder.",
+                                   user(), m_tempFolder, SavedStateLock::holder(path)));
+    return false;
 }
 
 void CliApplication::makeEngine()
@@ -230,11 +251,12 @@ void CliApplication::endAfterLogUpload(ExitCode code)
 
 void CliApplication::interrupt()
 {
-    if (m_hasEnded)
-        return;
-    if (m_isSaving)
-        m_reporter->note(QStringLiteral("Interrupted; the jobs are saved, \"resume\" goes on from here."));
     end(ExitCode::Interrupted);
+}
+
+void CliApplication::save()
+{
+    m_saveError = m_jobModel->saveState(m_tempFolder);
 }
 
 void CliApplication::end(ExitCode code)
@@ -243,25 +265,43 @@ void CliApplication::end(ExitCode code)
         return;
     m_hasEnded = true;
     foldRepeats();
-    if (m_isSaving) {
-        m_jobModel->saveState(m_tempFolder);
-        if (m_defaults.value(SettingsKey::AutoDeleteTempFiles).toBool())
-            m_jobModel->deleteTempFiles();
-    }
-    m_defaults.synchronize();
+    if (m_jobModel)
+        m_jobModel->stopJobProcessing();
+    if (m_isSaving)
+        save();
     if (code == ExitCode::Done && m_wasErrorPresented)
         code = ExitCode::ServiceError;
     if (Interruption::isRequested())
         code = ExitCode::Interrupted;
+    // The rest in a turn of its own: this may be called by a command's observer, for which its thread waits.
+    QTimer::singleShot(0, &m_logUploadLimit, [this, code] { finish(code); });
+}
+
+void CliApplication::finish(ExitCode code)
+{
+    bool areAllEnded = true;
     if (m_jobModel) {
         m_jobModel->endWork();
         m_processor->stop();
         m_processor->cancelRunningCommands();
-        if (!m_processor->waitUntilAllEnded(longestEnd)) {
-            Log::warning("The end did not wait for a transfer that hangs");
-            Log::shutDown();
-            std::_Exit(static_cast<int>(code));
-        }
+        areAllEnded = m_processor->waitUntilAllEnded(longestEnd);
+    }
+    if (m_isSaving) {
+        save(); // Once more: replies that came meanwhile count.
+        if (m_defaults.value(SettingsKey::AutoDeleteTempFiles).toBool())
+            m_jobModel->deleteTempFiles();
+        if (m_saveError)
+            m_reporter->error(Text::format("The jobs could not be saved: {}", m_saveError->localizedDescription));
+        else if (code == ExitCode::Interrupted)
+            m_reporter->note(QStringLiteral("Interrupted; the jobs are saved, \"resume\" goes on from here."));
+    } else if (code == ExitCode::Interrupted && m_line.command == CommandLine::Command::Submit) {
+        m_reporter->note(QStringLiteral("Interrupted before anything was submitted."));
+    }
+    m_defaults.synchronize();
+    if (!areAllEnded) {
+        Log::warning("The end did not wait for a transfer that hangs");
+        Log::shutDown();
+        std::_Exit(static_cast<int>(code));
     }
     QCoreApplication::exit(static_cast<int>(code));
 }

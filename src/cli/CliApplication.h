@@ -6,6 +6,7 @@
 #include "cli/ServiceRequest.h"
 #include "commands/CUrlCommandProcessor.h"
 #include "engine/JobModel.h"
+#include "engine/SavedStateLock.h"
 #include "foundation/ApplicationServices.h"
 #include "foundation/FileLogger.h"
 #include "foundation/UserDefaults.h"
@@ -31,6 +32,8 @@ public:
     // What has to hold before anything is sent: an address, an account, folders. Says what is wrong and gives false.
     [[nodiscard]] bool prepareForService();
     [[nodiscard]] bool prepareFolders();
+    // For the runs that work on the saved jobs: one program at a time.
+    [[nodiscard]] bool takeSavedJobs();
 
     // Sends the login; on success the engine has the credentials and `loggedIn` is called with the contact ID,
     // otherwise the run ends.
@@ -60,8 +63,10 @@ public:
     void setPassword(const QString& password) { m_password = password; }
     [[nodiscard]] QString tempFolder() const { return m_tempFolder; }
 
+    enum class Secret { Password, NewPassword };
     // From the environment or the terminal; nothing, after words for the user, where neither has it.
-    [[nodiscard]] std::optional<QString> secret(const char* variable, const QString& prompt);
+    [[nodiscard]] std::optional<QString> secret(Secret which, const QString& prompt);
+    [[nodiscard]] bool isNewPasswordInEnvironment() const { return m_newPasswordVariable.has_value(); }
 
 private:
     void configureLog();
@@ -69,6 +74,9 @@ private:
     [[nodiscard]] bool makeFolder(const QString& path, const QString& words);
     void loginEnded(const CUrlCommand& command, bool succeeded, const std::function<void(const QString&)>& loggedIn);
     void foldRepeats();
+    void save();
+    void finish(ExitCode code);
+    [[nodiscard]] static std::optional<QString> takeVariable(const char* variable);
 
     const CommandLine m_line;
     std::unique_ptr<Reporter> m_reporter;
@@ -78,12 +86,17 @@ private:
     QString m_password;
     QString m_tempFolder;
     QString m_deliveryFolder;
+    SavedStateLock m_savedStateLock;
     std::unique_ptr<JobModel> m_jobModel;
-    std::unique_ptr<CUrlCommandProcessor> m_processor; // ends before the engine that observes its commands
     std::vector<std::unique_ptr<ServiceRequest>> m_requests;
+    std::unique_ptr<CUrlCommandProcessor> m_processor; // ends before those that observe its commands
 
+    // Taken out of the environment at once: the programs that this one starts need not know them.
+    std::optional<QString> m_passwordVariable;
+    std::optional<QString> m_newPasswordVariable;
     bool m_hasEnded = false;
     bool m_isSaving = false; // the engine holds jobs that must be saved
+    std::optional<Error> m_saveError;
     bool m_wasErrorPresented = false;
     QString m_lastError;
     int m_repeats = 0;

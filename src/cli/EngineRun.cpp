@@ -1,8 +1,11 @@
 #include "cli/EngineRun.h"
 
 #include "cli/CliApplication.h"
+#include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
 #include "foundation/Text.h"
+
+#include <QPointer>
 
 #include <algorithm>
 
@@ -23,6 +26,7 @@ void EngineRun::startEngine()
     connect(&model, &JobModel::jobStopped, this, &EngineRun::jobStopped);
     connect(&model, &JobModel::jobRemoved, this, &EngineRun::jobRemoved);
     m_follower = std::make_unique<JobFollower>(model, application().reporter());
+    connect(&model, &JobModel::jobAdded, this, &EngineRun::jobWasAdded);
     application().setIsSaving(true);
     model.loadState(application().tempFolder());
     model.startJobProcessing();
@@ -32,9 +36,16 @@ void EngineRun::startEngine()
 void EngineRun::waitFor(const std::shared_ptr<Job>& job)
 {
     m_waitedFor.insert(job);
-    // Queued: the change is handled when the engine is done with it.
+    // Handled in a turn of its own, when the engine is done with the change.
     connect(
-        job.get(), &Job::statusChanged, this, [this] { endIfAllEnded(); }, Qt::QueuedConnection);
+        job.get(), &Job::statusChanged, this,
+        [run = QPointer(this)] {
+            MainThread::post([run] {
+                if (run)
+                    run->endIfAllEnded();
+            });
+        },
+        Qt::DirectConnection);
 }
 
 void EngineRun::jobStopped(const std::shared_ptr<Job>& job, const QString& reason)
@@ -79,11 +90,14 @@ void EngineRun::endIfAllEnded()
 {
     if (application().hasEnded())
         return;
-    for (const auto& job : m_waitedFor) {
-        if (job->status() != JobStatusCompleted || !m_completed.insert(job).second)
-            continue;
-        m_follower->showNow();
-        reportCompleted(*job);
+    for (const auto& job : std::set(m_waitedFor)) {
+        if (job->status() == JobStatusCompleted && m_completed.insert(job).second) {
+            m_follower->showNow();
+            reportCompleted(*job);
+        }
+        // The service calls a job done that was delivered. This program did not do it, and will not be asked to.
+        if (job->status() == JobStatusOnServer && job->serverStatus() == u"Done")
+            jobStopped(job, QStringLiteral("it was delivered already, by another program of this account"));
     }
     const bool areAllEnded = std::all_of(m_waitedFor.begin(), m_waitedFor.end(), [this](const auto& job) {
         return m_completed.contains(job) || m_stopped.contains(job);

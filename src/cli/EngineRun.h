@@ -23,6 +23,8 @@ protected:
     void startEngine();
     // The run ends when all of these are completed or cannot go on.
     void waitFor(const std::shared_ptr<Job>& job);
+    // Called for every job that the engine takes in, after the reporter knows it.
+    virtual void jobWasAdded(const std::shared_ptr<Job>& /*job*/) {}
     // Called when every job waited for is completed or has stopped.
     virtual void allEnded();
     void endIfAllEnded();

@@ -49,7 +49,12 @@ void InspectRun::start()
 void InspectRun::inspectAll()
 {
     for (const QString& file : line().inspectFiles) {
-        Finding finding = inspect(file);
+        {
+            const std::scoped_lock lock(m_extractorMutex);
+            if (m_isEnding)
+                return;
+        }
+        const Finding finding = inspect(file);
         if (!MainThread::runAndWait([&] { print(finding); }))
             return;
     }
@@ -122,6 +127,8 @@ InspectRun::Finding InspectRun::inspectRecording(const QString& file, const QStr
 
 void InspectRun::print(const Finding& finding)
 {
+    if (application().hasEnded())
+        return;
     application().reporter().result(finding.line, finding.object);
     if (finding.problem.isEmpty())
         return;

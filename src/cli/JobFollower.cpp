@@ -11,6 +11,11 @@ constexpr std::chrono::milliseconds steadyRate{200};
 JobFollower::JobFollower(JobModel& jobModel, Reporter& reporter) : m_jobModel(jobModel), m_reporter(reporter)
 {
     connect(&jobModel, &JobModel::jobAdded, this, &JobFollower::follow);
+    connect(&jobModel, &JobModel::jobRemoved, this, [this](const std::shared_ptr<Job>& job) {
+        m_followed.erase(job.get());
+        for (const auto& mediaFile : job->mediaFiles())
+            m_followed.erase(mediaFile.get());
+    });
     for (const auto& job : jobModel.jobs())
         follow(job);
     connect(&m_steady, &QTimer::timeout, this, &JobFollower::showNow);

@@ -4,6 +4,7 @@
 #include "cli/JobTable.h"
 #include "commands/CheckStatusCommand.h"
 #include "engine/SavedState.h"
+#include "foundation/Text.h"
 
 void JobsRun::start()
 {
@@ -34,7 +35,9 @@ void JobsRun::askStatus(const QString& contactID)
 void JobsRun::print(const QString& statusReply)
 {
     const auto saved = SavedState::read(SavedState::filePath(application().tempFolder(), application().user()));
-    const auto rows = JobTable::rows(statusReply, saved);
+    if (saved.problem)
+        application().reporter().error(Text::format("The saved jobs cannot be read: {}", *saved.problem));
+    const auto rows = JobTable::rows(statusReply, saved.jobs);
     if (rows.empty())
         application().reporter().note(QStringLiteral("No jobs."));
     else if (!line().json)

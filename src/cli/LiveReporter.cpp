@@ -70,6 +70,6 @@ void LiveReporter::error(const QString& words)
 void LiveReporter::result(const QString& line, const QJsonObject& /*object*/)
 {
     erase();
-    std::printf("%s\n", line.toUtf8().constData());
+    std::printf("%s\n", Terminal::withoutControls(line).toUtf8().constData());
     draw();
 }

@@ -10,7 +10,7 @@ void LoginRun::start()
     }
     application().login([this](const QString& contactID) {
         application().reporter().result(contactID.trimmed(), {{QStringLiteral("event"), QStringLiteral("login")},
-                                                              {QStringLiteral("contactID"), contactID}});
+                                                              {QStringLiteral("contactID"), contactID.trimmed()}});
         application().end(ExitCode::Done);
     });
 }

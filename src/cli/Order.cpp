@@ -46,6 +46,17 @@ std::optional<QString> problemOfRecording(const QString& path)
     return std::nullopt;
 }
 
+// Whether one of the recordings has this one's path in other letters, and is not this very file.
+bool isAnotherFile(const QString& path, const QStringList& media)
+{
+    const QFileInfo file(path);
+    return std::any_of(media.begin(), media.end(), [&](const QString& other) {
+        const QFileInfo otherFile(other);
+        return file.absoluteFilePath().compare(otherFile.absoluteFilePath(), Qt::CaseInsensitive) == 0 &&
+               file.canonicalFilePath() != otherFile.canonicalFilePath();
+    });
+}
+
 void prefill(const QString& transcript, const SubmitOptions& options, Order::Prepared& prepared)
 {
     Job& job = *prepared.job;
@@ -102,8 +113,11 @@ std::variant<Order::Prepared, QString> Order::prepare(const SubmitOptions& optio
     for (const QString& path : options.media) {
         const auto count = job.mediaFiles().size();
         job.addMediaFilesObject(MediaFile::mediaFileWithPath(QFileInfo(path).absoluteFilePath()));
-        if (job.mediaFiles().size() == count)
-            prepared.remarks << Text::format("{} was given twice; it is taken once.", path);
+        if (job.mediaFiles().size() > count)
+            continue;
+        if (isAnotherFile(path, options.media))
+            return Text::format("The recordings' names must differ in more than letter case: {}", path);
+        prepared.remarks << Text::format("{} was given twice; it is taken once.", path);
     }
     auto files = job.mediaFiles();
     std::stable_sort(files.begin(), files.end(),

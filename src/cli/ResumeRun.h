@@ -9,4 +9,8 @@ class ResumeRun : public EngineRun
 public:
     using EngineRun::EngineRun;
     void start() override;
+
+private:
+    void jobWasAdded(const std::shared_ptr<Job>& job) override;
+    void noteLevel(const Job& job);
 };

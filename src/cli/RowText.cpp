@@ -1,5 +1,6 @@
 #include "cli/RowText.h"
 
+#include "cli/Terminal.h"
 #include "foundation/Text.h"
 #include "model/JobStatus.h"
 
@@ -22,8 +23,10 @@ QString title(const ProgressRow& row)
     return row.depoNum.value_or(0) == 0 ? row.name : Text::format("{} {}", *row.depoNum, row.name);
 }
 
-QString fitted(const QString& text, int columns)
+QString fitted(const QString& words, int columns)
 {
+    QString text = Terminal::withoutControls(words);
+    text.replace(u'\n', u' ');
     if (text.size() <= columns)
         return text.leftJustified(columns);
     return text.left(std::max(0, columns - 1)) + QChar(0x2026);

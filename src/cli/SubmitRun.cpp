@@ -17,7 +17,7 @@ void SubmitRun::start()
         application().end(ExitCode::Usage);
         return;
     }
-    if (!application().prepareForService() || !application().prepareFolders()) {
+    if (!application().prepareForService() || !application().prepareFolders() || !application().takeSavedJobs()) {
         application().end(ExitCode::Usage);
         return;
     }
@@ -80,7 +80,7 @@ void SubmitRun::submit()
     }
     for (const QString& remark : remarks)
         application().reporter().note(remark);
-    waitFor(m_job);
     startEngine();
     application().jobModel().addJobsObject(m_job);
+    waitFor(m_job);
 }

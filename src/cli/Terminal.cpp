@@ -59,11 +59,23 @@ std::optional<QByteArray> readLine(int terminal)
 
 void printTo(FILE* file, const QString& line)
 {
-    std::fprintf(file, "%s\n", line.toUtf8().constData());
+    const QByteArray text = (::isatty(::fileno(file)) == 1 ? Terminal::withoutControls(line) : line).toUtf8();
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), file);
+    std::fputc('\n', file);
     std::fflush(file);
 }
 
 } // namespace
+
+QString Terminal::withoutControls(const QString& text)
+{
+    QString clean = text;
+    for (QChar& c : clean) {
+        if (c.category() == QChar::Other_Control && c != u'\n' && c != u'\t')
+            c = QChar(QChar::ReplacementCharacter);
+    }
+    return clean;
+}
 
 bool Terminal::isStandardOutput()
 {

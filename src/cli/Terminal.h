@@ -14,6 +14,9 @@ namespace Terminal {
 // user ended the input; an interruption restores the echo.
 [[nodiscard]] std::optional<QString> askSecret(const QString& prompt);
 
+// The words of the service and names of files must not drive the terminal.
+[[nodiscard]] QString withoutControls(const QString& text);
+
 void printOut(const QString& line);
 void printError(const QString& line);
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Single precision, cut off: the service compares this number with the one in the upload's name.
+// Single precision, cut off rather than rounded, as the service expects it.
 int wholeMilliseconds(const std::optional<float>& seconds)
 {
     return NumberReading::intValue(QVariant(seconds.value_or(0.0F) * 1000.0F));

@@ -21,7 +21,8 @@
 // executed once. Owned by shared pointers; the observer is not owned and must outlive the command.
 //
 // Certificates and host names are not verified, there is no time limit, and a reply body that arrives in several
-// chunks leaves only its last one: the service's replies are short, and this is what its clients have always done.
+// chunks leaves only its last one: the service's replies are short, and a client that kept more would read some of them
+// differently.
 class CUrlCommand
 {
 public:

@@ -2,6 +2,8 @@
 
 #include "foundation/Log.h"
 
+#include <new>
+
 namespace {
 
 constexpr qsizetype initialCapacity = 16384;
@@ -21,7 +23,11 @@ bool DownloadedFile::create(const QString& path)
 
 std::size_t DownloadedFile::append(const char* bytes, std::size_t size, std::size_t number)
 {
-    m_downloadedData.append(bytes, static_cast<qsizetype>(size * number));
+    try {
+        m_downloadedData.append(bytes, static_cast<qsizetype>(size * number));
+    } catch (const std::bad_alloc&) {
+        return 0; // An exception must not cross the transfer library; taking nothing fails the transfer.
+    }
     return size * number;
 }
 

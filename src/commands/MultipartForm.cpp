@@ -1,4 +1,4 @@
-#define CURL_DISABLE_DEPRECATION // The form interface sends exactly the parts that the service has always been sent.
+#define CURL_DISABLE_DEPRECATION // The form interface sends exactly the parts that the service reads.
 
 #include "commands/MultipartForm.h"
 

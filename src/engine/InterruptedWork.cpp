@@ -1,5 +1,7 @@
 #include "engine/InterruptedWork.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace {
@@ -21,7 +23,8 @@ void addFilesInTheMiddle(const Job::MediaFiles& files, InterruptedWork& work)
     const bool isConverting = !isEveryFileBelow(files, JobStatusConverted);
     for (const auto& file : files) {
         const int status = file->status();
-        if (status == JobStatusConverted || (isConverting && status == JobStatusInfoExtracted))
+        const bool isMp3Lost = status == JobStatusSegmentAdded && !QFileInfo(file->mp3FilePath()).isReadable();
+        if (status == JobStatusConverted || isMp3Lost || (isConverting && status == JobStatusInfoExtracted))
             work.toConvert.push_back(file);
         else if (status == JobStatusSegmentAdded)
             work.toUpload.push_back(file);

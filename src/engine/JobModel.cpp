@@ -156,6 +156,14 @@ void JobModel::removeFromDepoIndex(const JobPointer& job)
         m_depoIndex.emplace(depoNum, other);
 }
 
+void JobModel::indexJobs()
+{
+    m_depoIndex.clear();
+    for (const JobPointer& job : jobs())
+        m_depoIndex.try_emplace(NumberReading::valueOrZero(job->depoNum()), job);
+    m_isDepoIndexInUse = true;
+}
+
 JobModel::JobPointer JobModel::findJobWithDepoNum(int depoNum) const
 {
     if (!m_isDepoIndexInUse)

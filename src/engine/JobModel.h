@@ -64,7 +64,7 @@ public:
     JobModel(ApplicationServices& services, ServiceHosts hosts);
     ~JobModel() override; // endWork()
 
-    // --- Settings and credentials -----------------------------------------------------------------------------------
+    // --- Settings and credentials ---
     void setCurlCommandProcessor(CUrlCommandProcessor* processor) { m_curlCommandProcessor = processor; }
     [[nodiscard]] QString tempFilesFolder() const;
     void setTempFilesFolder(const QString& folder);
@@ -93,7 +93,7 @@ public:
     // How long the finder sleeps when it found nothing.
     void setFinderSleepInterval(double seconds) { m_finderSleepInterval = seconds; }
 
-    // --- The jobs ---------------------------------------------------------------------------------------------------
+    // --- The jobs ---
     // In the order in which they were added.
     [[nodiscard]] std::vector<JobPointer> jobs() const;
     // Adds the job, unless it is there, and starts the polls afresh.
@@ -111,7 +111,7 @@ public:
     [[nodiscard]] bool isGettingInstructions() const { return m_isGettingInstructions; }
     void setIsGettingInstructions(bool is);
 
-    // --- Processing -------------------------------------------------------------------------------------------------
+    // --- Processing ---
     void startJobProcessing();
     // The finder ends with its current pass; other work runs on.
     void stopJobProcessing();
@@ -122,9 +122,10 @@ public:
     // Every place at the upload gate is held by an upload that got no reply: files that wait for one wait for ever.
     [[nodiscard]] bool isUploadGateBlocked() const { return m_uploadGate.isBlocked(); }
 
-    // --- Persistence ------------------------------------------------------------------------------------------------
-    // The user's unfinished local jobs, in "State_<user name>.archive" in the folder. A failure is logged.
-    void saveState(const QString& folder);
+    // --- Persistence ---
+    // The user's unfinished local jobs, in "State_<user name>.archive" in the folder. Returns what went
+    // wrong, which is logged too; processing goes on all the same.
+    std::optional<Error> saveState(const QString& folder);
     // Adds the saved jobs and goes on with what was interrupted. Does nothing without a user name; a file that is
     // missing or cannot be read yields no jobs.
     void loadState(const QString& folder);
@@ -132,8 +133,7 @@ public:
     // The converted files of local jobs that are uploaded.
     void deleteTempFiles();
 
-    // --- Steps of a job, called by the finder's dispatch and by each other
-    // --------------------------------------------
+    // --- Steps of a job, called by the finder's dispatch and by each other ---
     void foundJobToProces(const JobPointer& job);
     void submitJobDetails(const JobPointer& job);
     void extractMediaFilesInfo(const JobPointer& job);
@@ -148,8 +148,7 @@ public:
     [[nodiscard]] QString transcriptDestFileNameForJob(const Job& job) const;
     [[nodiscard]] QString mediaDestFileNameForJob(const Job& job, int segment) const;
 
-    // --- The service's replies
-    // ----------------------------------------------------------------------------------------
+    // --- The service's replies ---
     void processJobSubmitJobDetailsResponse(const JobPointer& job, const QString& response);
     void processJobAddMediaFileSegmentResponse(const JobPointer& job, const MediaFilePointer& mediaFile,
                                                const QString& response);
@@ -159,10 +158,9 @@ public:
                                            const QString& response);
     void processJobDownloadJobResponse(const JobPointer& job, const QString& response);
 
-    // --- Polls
-    // -------------------------------------------------------------------------------------------------------- Restarts
-    // the period; sends a request unless one is outstanding; asks for instructions. Goes on by itself until every job
-    // is completed.
+    // --- Polls ---
+    // Restarts the period; sends a request unless one is outstanding; asks for instructions. Goes on by itself until
+    // every job is completed.
     void checkJobsStatusOnServer();
     void processCheckJobsStatusOnServerResponse(const QString& response);
     void processStatusForDepoNum(int depoNum, const QString& transcriptName, const QString& status);
@@ -174,8 +172,7 @@ public:
     void uploadLogFile();
     void processDebugUploadResponse(const QString& response, const std::shared_ptr<FileLogger>& object);
 
-    // --- Observers
-    // ----------------------------------------------------------------------------------------------------
+    // --- Observers ---
     void curlCommandDone(CUrlCommand& command) override;
     void curlCommandFailed(CUrlCommand& command) override;
     void curlCommandProgress(CUrlCommand& command, double nowDL, double totalDL, double nowUL, double totalUL) override;
@@ -219,6 +216,8 @@ private:
     void runExtractor(const MediaFilePointer& mediaFile, const std::function<void(AudioExtractor&)>& work);
     void uploadMediaFileThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile);
     void continueInterruptedWork(const JobPointer& job);
+    void restartSettledFiles(const JobPointer& job);
+    void indexJobs();
     void requestReprocessing(const JobPointer& job, const MediaFilePointer& mediaFile, const QString& status);
     void addServerSegment(const JobPointer& job, int segment, const QString& status, std::optional<int> score);
     void removeFromDepoIndex(const JobPointer& job);

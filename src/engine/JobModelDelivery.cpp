@@ -186,7 +186,7 @@ void JobModel::curlCommandFailed(CUrlCommand& command)
 
 Error JobModel::prependError(const Error& error, const QString& prefix)
 {
-    // The prefixes end in a blank of their own: the two blanks are how these texts have always read.
+    // The prefixes end in a blank of their own; support searches for these texts with both blanks in them.
     return {error.domain, error.code, Text::format("{} {}", prefix, error.localizedDescription)};
 }
 

@@ -160,7 +160,7 @@ void JobModel::convertToMP3ThreadProc(const JobPointer& job, const MediaFilePoin
     const QString mp3Path = Mp3Location::ofMediaFile(tempFilesFolder(), *job, *mediaFile);
     mediaFile->setMp3FilePath(mp3Path);
     // Removed only where there is nothing to remove: an old MP3 stays for the converter to overwrite, and every first
-    // conversion leaves this line in the log, which support has come to look for.
+    // conversion leaves this line in the log, by which support tells first conversions from later ones.
     if (!QFileInfo::exists(mp3Path)) {
         QFile file(mp3Path);
         if (!file.remove())

@@ -12,14 +12,16 @@ QString JobModel::stateFilePath(const QString& folder) const
     return SavedState::filePath(folder, username());
 }
 
-void JobModel::saveState(const QString& folder)
+std::optional<Error> JobModel::saveState(const QString& folder)
 {
     const bool wasProcessing = m_doFindAndProcessJobs;
     stopJobProcessing();
-    if (const auto error = SavedState::write(stateFilePath(folder), jobs()))
+    auto error = SavedState::write(stateFilePath(folder), jobs());
+    if (error)
         Log::error("Unable to save the jobs: {}", error->localizedDescription);
     if (wasProcessing)
         startJobProcessing();
+    return error;
 }
 
 void JobModel::loadState(const QString& folder)
@@ -28,10 +30,16 @@ void JobModel::loadState(const QString& folder)
         return;
     const bool wasProcessing = m_doFindAndProcessJobs;
     stopJobProcessing();
-    for (const JobPointer& job : SavedState::read(stateFilePath(folder)))
+    const std::vector<JobPointer> jobsBefore = jobs();
+    const SavedState::Contents saved = SavedState::read(stateFilePath(folder));
+    if (saved.problem)
+        m_services.presentError(SavedState::keepAside(stateFilePath(folder), *saved.problem));
+    for (const JobPointer& job : saved.jobs)
         addJobsObject(job);
-    for (const JobPointer& job : jobs())
+    for (const JobPointer& job : saved.jobs)
         continueInterruptedWork(job);
+    for (const JobPointer& job : jobsBefore)
+        restartSettledFiles(job);
     if (wasProcessing)
         startJobProcessing();
 }
@@ -49,6 +57,18 @@ void JobModel::continueInterruptedWork(const JobPointer& job)
         uploadMediaFile(mediaFile, job);
     if (work.transcriptToUpload)
         uploadTranscript(job);
+}
+
+void JobModel::restartSettledFiles(const JobPointer& job)
+{
+    if (job->status() > JobStatusUploading)
+        return;
+    for (const MediaFilePointer& mediaFile : job->mediaFiles()) {
+        if (mediaFile->status() == JobStatusConverted)
+            startConversion(job, mediaFile);
+        else if (mediaFile->status() == JobStatusSegmentAdded)
+            uploadMediaFile(mediaFile, job);
+    }
 }
 
 void JobModel::deleteTempFiles()

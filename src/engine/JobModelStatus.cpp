@@ -42,9 +42,7 @@ void JobModel::checkJobsStatusOnServer()
 void JobModel::processCheckJobsStatusOnServerResponse(const QString& response)
 {
     Log::info("Server jobs statuses:");
-    for (const JobPointer& job : jobs())
-        m_depoIndex.try_emplace(NumberReading::valueOrZero(job->depoNum()), job);
-    m_isDepoIndexInUse = true;
+    indexJobs();
     // All depositions first: a segment sees the state that its deposition's record led to.
     for (const StatusReply::Deposition& record : StatusReply::depositions(response)) {
         Log::info("Depo = {}, transcript = {}, status = {}", record.number, record.transcriptName, record.status);

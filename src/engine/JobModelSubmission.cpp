@@ -58,7 +58,7 @@ void JobModel::addMediaFileSegment(const MediaFilePointer& mediaFile, const JobP
 {
     MainThread::runAndWait([&] { mediaFile->setStatus(JobStatusAddingSegment); });
     post(AddJobSegmentsCommand::addJobSegmentsCommandWithUser(m_hosts, username(), password(), job, mediaFile));
-    // Nothing waits for this one: without it the service works the format out by itself.
+    // Nothing waits for this one's reply.
     post(SetMediaFormatCommand::setMediaFormatCommandWithUser(m_hosts, username(), password(), job, mediaFile));
 }
 
@@ -149,7 +149,7 @@ void JobModel::processJobUploadedJobFileResponse(const JobPointer& job,
                                                  const std::shared_ptr<MediaObject>& uploadedObject,
                                                  const QString& response)
 {
-    // The service compares nothing and sends nothing after the words: a line end makes it another reply.
+    // Exactly these words: with a line end after them it is another reply.
     if (response == u"UPLOAD COMPLETE")
         finishUpload(job, uploadedObject, response);
     else
@@ -163,7 +163,9 @@ void JobModel::finishUpload(const JobPointer& job, const std::shared_ptr<MediaOb
     if (uploadedObject == job) {
         Log::info("Job = {}, all files are uploaded", depoNum(*job));
         job->setTranscriptUploaded(true);
-        job->setStatus(JobStatusUploaded);
+        // The service may have gone on with the job before this reply came; it must not fall back behind its delivery.
+        if (job->status() <= JobStatusOnServer)
+            job->setStatus(JobStatusUploaded);
         return;
     }
     if (!uploadedObject)

@@ -3,7 +3,9 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "foundation/PathText.h"
+#include "foundation/Text.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -43,23 +45,38 @@ std::optional<Error> SavedState::write(const QString& path, const std::vector<st
     return AtomicFile::write(path, QJsonDocument(state).toJson());
 }
 
-std::vector<std::shared_ptr<Job>> SavedState::read(const QString& path)
+SavedState::Contents SavedState::read(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (file.exists())
-            Log::error("Unable to read the saved jobs: {}: {}", path, file.errorString());
+    if (!file.exists())
         return {};
-    }
-    const QJsonValue archives = QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("jobs"));
-    if (!archives.isArray())
-        Log::error("Unable to read the saved jobs: {} holds none", path);
-    std::vector<std::shared_ptr<Job>> jobs;
-    for (const QJsonValue& archive : archives.toArray()) {
+    if (!file.open(QIODevice::ReadOnly))
+        return {{}, file.errorString()};
+    QJsonParseError parseError;
+    const QJsonObject state = QJsonDocument::fromJson(file.readAll(), &parseError).object();
+    if (parseError.error != QJsonParseError::NoError)
+        return {{}, parseError.errorString()};
+    if (state.value(QStringLiteral("version")).toInt() != stateFileVersion ||
+        !state.value(QStringLiteral("jobs")).isArray())
+        return {{}, QStringLiteral("it is of another version of this program")};
+    Contents contents;
+    for (const QJsonValue& archive : state.value(QStringLiteral("jobs")).toArray()) {
         if (auto job = Job::decode(archive.toObject()))
-            jobs.push_back(std::move(job));
+            contents.jobs.push_back(std::move(job));
         else
-            Log::error("Unable to read a saved job of {}", path);
+            contents.problem = QStringLiteral("a job in it is damaged");
     }
-    return jobs;
+    return contents;
+}
+
+Error SavedState::keepAside(const QString& path, const QString& problem)
+{
+    const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss.zzz"));
+    const QString aside = path + QStringLiteral(".unreadable ") + time;
+    const bool isKept = QFile::rename(path, aside);
+    const QString words =
+        Text::format("The saved jobs in {} cannot be read ({}). {} {}.", path, problem,
+                     isKept ? QStringLiteral("The file is kept as") : QStringLiteral("It cannot be renamed to"), aside);
+    Log::error("{}", words);
+    return {ErrorDomain::Platform, 0, words};
 }

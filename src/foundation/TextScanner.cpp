@@ -8,7 +8,7 @@ namespace {
 
 bool isLineEnd(QChar c)
 {
-    return c == u'\n' || c == u'\r' || c == QChar(0x0085) || c == QChar(0x2028) || c == QChar(0x2029);
+    return (c >= u'\n' && c <= u'\r') || c == QChar(0x0085) || c == QChar(0x2028) || c == QChar(0x2029);
 }
 
 bool isWhite(QChar c)

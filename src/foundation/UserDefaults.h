@@ -16,7 +16,8 @@ class UserDefaults : public QObject
 {
     Q_OBJECT
 public:
-    // Kept in an INI file that is made, with its folder, when the first value is stored. Readable by the user alone.
+    // Kept in an INI file that is made when the first value is stored, in a folder that is made at once. Readable by
+    // the user alone.
     explicit UserDefaults(const QString& filePath);
     ~UserDefaults() override;
 

@@ -3,7 +3,14 @@
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 
+#include <system_error>
 #include <thread>
+
+namespace {
+
+constexpr int mostAttempts = 100;
+
+} // namespace
 
 WorkerThreads::~WorkerThreads()
 {
@@ -17,15 +24,36 @@ void WorkerThreads::start(const std::string& name, std::function<void()> body)
         const std::scoped_lock lock(m_mutex);
         ++m_count;
     }
-    std::thread([this, name, run = std::move(body)]() mutable {
-        Log::setThreadName(name);
-        run();
-        run = nullptr;
-        const std::scoped_lock lock(m_mutex);
-        --m_count;
-        // Under the lock: the owner may be gone as soon as it can see the count.
-        m_ended.notify_all();
-    }).detach();
+    // The new thread takes the work over and lets it go there; until it has started, it is kept here.
+    auto work = std::make_unique<std::function<void()>>(std::move(body));
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        try {
+            std::thread([this, name, taken = work.get()] {
+                run(name, std::unique_ptr<std::function<void()>>(taken));
+            }).detach();
+            static_cast<void>(work.release());
+            return;
+        } catch (const std::system_error& error) {
+            // The system's limit of threads; others end all the time.
+            Log::error("Unable to start thread {}: {}", name, error.what());
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+    Log::error("Gave up starting thread {}", name);
+    const std::scoped_lock lock(m_mutex);
+    --m_count;
+    m_ended.notify_all();
+}
+
+void WorkerThreads::run(const std::string& name, std::unique_ptr<std::function<void()>> body)
+{
+    Log::setThreadName(name);
+    (*body)();
+    body.reset();
+    const std::scoped_lock lock(m_mutex);
+    --m_count;
+    // Under the lock: the owner may be gone as soon as it can see the count.
+    m_ended.notify_all();
 }
 
 std::size_t WorkerThreads::count() const

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -26,6 +27,8 @@ public:
     bool waitUntilAllEnded(std::chrono::milliseconds atMost);
 
 private:
+    void run(const std::string& name, std::unique_ptr<std::function<void()>> body);
+
     mutable std::mutex m_mutex; // guards m_count
     std::condition_variable m_ended;
     std::size_t m_count = 0;
