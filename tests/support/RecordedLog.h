@@ -19,7 +19,7 @@ public:
 
     [[nodiscard]] QString text() const;
     [[nodiscard]] bool contains(const QString& line) const { return text().contains(line); }
-    // How many lines hold `part`.
+    // How often `part` occurs.
     [[nodiscard]] qsizetype count(const QString& part) const { return text().count(part); }
     [[nodiscard]] const std::shared_ptr<FileLogger>& fileLogger() const { return m_fileLogger; }
 
