@@ -35,7 +35,8 @@ int Preferences::detectedProcessorCount()
     return static_cast<int>(std::thread::hardware_concurrency());
 }
 
-void Preferences::initialize(UserDefaults& defaults, int processorCount, const QString& applicationSupportFolder)
+void Preferences::initialize(UserDefaults& defaults, int processorCount, const QString& applicationSupportFolder,
+                             const QString& homeFolder)
 {
     QVariantMap registered;
     registered[SettingsKey::ShortCaptionCache] = ShortCaptionCache::archived({});
@@ -46,8 +47,13 @@ void Preferences::initialize(UserDefaults& defaults, int processorCount, const Q
         registered[SettingsKey::TemporaryFolder] =
             PathText::appendingPathComponent(applicationSupportFolder, UserFolders::executableName);
     }
-    registered[SettingsKey::DeliveryFolderPath] =
-        PathText::appendingPathComponent(UserFolders::homeFolder(), UserFolders::executableName);
+    // The name alone would be a folder of whatever folder the program happens to run in.
+    if (homeFolder.isEmpty()) {
+        Log::error("Unable to find home folder of user");
+    } else {
+        registered[SettingsKey::DeliveryFolderPath] =
+            PathText::appendingPathComponent(homeFolder, UserFolders::executableName);
+    }
     Log::info("number of processing cores = {}", processorCount);
     // One core is left free for the rest of the system.
     registered[SettingsKey::MaxNumberOfFfmpegProcesses] = std::max(processorCount, 2) - 1;

@@ -14,9 +14,11 @@ public:
     Preferences() = delete;
 
     // Registers the defaults and restores the delivery folder. Makes no folder. Doing it again changes nothing.
-    // No "TemporaryFolder" is registered where there is no application support folder.
+    // No "TemporaryFolder" is registered where there is no application support folder, and no "DeliveryFolderPath"
+    // where there is no home; each is an error in the log.
     static void initialize(UserDefaults& defaults, int processorCount = detectedProcessorCount(),
-                           const QString& applicationSupportFolder = UserFolders::applicationSupportFolder());
+                           const QString& applicationSupportFolder = UserFolders::applicationSupportFolder(),
+                           const QString& homeFolder = UserFolders::homeFolder());
 
     // Takes "DeliveryFolderPath" from the stored bookmark. A folder that is gone or cannot be opened is forgotten, so
     // that the registered default applies; its bookmark stays and finds the folder when it is back.

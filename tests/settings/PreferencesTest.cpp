@@ -73,7 +73,7 @@ TEST_F(PreferencesTest, LeavesOneProcessorCoreFreeButNeverAllowsLessThanOneConve
         Preferences::initialize(defaults(), count);
         EXPECT_EQ(defaults().value(SettingsKey::MaxNumberOfFfmpegProcesses).toInt(), limit) << count;
     }
-    EXPECT_TRUE(m_log.contains(u"number of processing cores = 128"_s));
+    EXPECT_TRUE(m_log.contains(u"[info] [main] number of processing cores = 128"_s));
 }
 
 TEST_F(PreferencesTest, AsksTheSystemForTheProcessorCount)
@@ -104,7 +104,15 @@ TEST_F(PreferencesTest, RegistersNoTemporaryFolderWithoutAnApplicationSupportFol
     Preferences::initialize(defaults(), 4, QString());
     EXPECT_FALSE(defaults().value(SettingsKey::TemporaryFolder).isValid());
     EXPECT_EQ(deliveryFolder(), defaultDeliveryFolder());
-    EXPECT_TRUE(m_log.contains(u"Unable to find app support folder in user domain"_s));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to find app support folder in user domain"_s));
+}
+
+TEST_F(PreferencesTest, RegistersNoDeliveryFolderWithoutAHomeRatherThanARelativeOne)
+{
+    Preferences::initialize(defaults(), 4, QString(), QString());
+    EXPECT_FALSE(defaults().value(SettingsKey::DeliveryFolderPath).isValid());
+    EXPECT_EQ(defaults().value(SettingsKey::MaxNumberOfUploads).toInt(), 4);
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to find home folder of user"_s));
 }
 
 TEST_F(PreferencesTest, WithoutABookmarkTheStoredFolderStays)
@@ -159,8 +167,9 @@ TEST_F(PreferencesTest, ADeletedFolderIsForgottenUntilItIsBack)
     Preferences::initialize(defaults(), 4);
     EXPECT_EQ(deliveryFolder(), defaultDeliveryFolder());
     EXPECT_FALSE(defaults().isStored(SettingsKey::DeliveryFolderPath));
-    EXPECT_TRUE(m_log.contains(u"Unable to create delivery folder url from persisted bookmark, error = "_s + folder));
-    EXPECT_TRUE(m_log.contains(u"Unable to start accessing security scoped url = "_s + urlText(folder)));
+    EXPECT_TRUE(m_log.contains(
+        u"[error] [main] Unable to create delivery folder url from persisted bookmark, error = "_s + folder));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to start accessing security scoped url = "_s + urlText(folder)));
 
     makeFolder(u"Deliveries é"_s);
     Preferences::initialize(defaults(), 4);
@@ -175,7 +184,7 @@ TEST_F(PreferencesTest, AFileWhereTheFolderWasIsNotOpened)
     writeFile(u"Deliveries"_s, "x");
     Preferences::initialize(defaults(), 4);
     EXPECT_EQ(deliveryFolder(), defaultDeliveryFolder());
-    EXPECT_TRUE(m_log.contains(u"Unable to start accessing security scoped url = "_s + urlText(folder)));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to start accessing security scoped url = "_s + urlText(folder)));
     EXPECT_FALSE(m_log.contains(u"Unable to create delivery folder url"_s));
 }
 
@@ -185,7 +194,8 @@ TEST_F(PreferencesTest, AnUnreadableBookmarkBringsTheDefaultFolderBack)
     defaults().setValue(SettingsKey::DeliveryFolderBookmarkData, QByteArray("garbage"));
     Preferences::initialize(defaults(), 4);
     EXPECT_EQ(deliveryFolder(), defaultDeliveryFolder());
-    EXPECT_TRUE(m_log.contains(u"Unable to create delivery folder url from persisted bookmark, error = "_s));
+    EXPECT_TRUE(
+        m_log.contains(u"[error] [main] Unable to create delivery folder url from persisted bookmark, error = "_s));
 }
 
 TEST_F(PreferencesTest, AFolderThatCannotBeRememberedLeavesNoBookmarkRatherThanTheOldOne)
@@ -195,8 +205,8 @@ TEST_F(PreferencesTest, AFolderThatCannotBeRememberedLeavesNoBookmarkRatherThanT
     const QString missing = path(u"Not there"_s);
     choose(missing);
     EXPECT_FALSE(bookmark().isValid());
-    EXPECT_TRUE(
-        m_log.contains(u"Unable to create bookmark for delivery folder url = "_s + urlText(missing) + u", error = "_s));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to create bookmark for delivery folder url = "_s +
+                               urlText(missing) + u", error = "_s));
     Preferences::initialize(defaults(), 4);
     EXPECT_EQ(deliveryFolder(), missing);
 }
