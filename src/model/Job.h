@@ -267,7 +267,7 @@ private:
     QVariant m_autoSyncRate;
     QVariant m_autoSyncRushRate;
     QVariant m_rushRateMultiplier;
-    QString m_jobTotal;
+    QString m_jobTotal = QStringLiteral("");
     std::optional<float> m_totalMediaDuration;
     std::optional<float> m_processedMediaDuration;
     std::optional<float> m_totalMediaFileSize;

@@ -73,7 +73,7 @@ std::optional<int> statusOfFiles(const Job::MediaFiles& files)
     const auto isOneOfThem = [&](int status) { return distinct[0] == status || distinct[1] == status; };
     if (isOneOfThem(JobStatusConverting))
         return JobStatusConverting;
-    // Shown as uploading although a file is still being probed: the list has always shown it so.
+    // A job prepared in part is shown as uploading although a file is still being probed; its bar counts bytes then.
     if (isOneOfThem(JobStatusExtractingInfo))
         return JobStatusUploading;
     if (isOneOfThem(JobStatusUploading))

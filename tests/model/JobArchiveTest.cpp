@@ -193,7 +193,8 @@ TEST_F(JobArchiveTest, ATranscriptThatIsGoneKeepsItsPath)
     EXPECT_EQ(back->transcriptFile(), transcript);
     EXPECT_EQ(back->name(), u"Smith.txt");
     EXPECT_TRUE(back->transcriptFileURL().isEmpty());
-    EXPECT_TRUE(log.contains(u"Unable to create url from persisted bookmark, filePath = "_s + transcript));
+    EXPECT_TRUE(
+        log.contains(u"[error] [main] Unable to create url from persisted bookmark, filePath = "_s + transcript));
 }
 
 TEST_F(JobArchiveTest, WhatNeverWasAJobIsNone)

@@ -96,13 +96,13 @@ TEST_F(JobDerivedTest, EachRecomputationIsLoggedWithTheJobsNumber)
     const RecordedLog log;
     addFiles(1);
     m_files[0]->setStatus(5);
-    EXPECT_TRUE(log.contains(u"Job #0 status updated. Current status = 5"_s));
+    EXPECT_TRUE(log.contains(u"[info] [main] Job #0 status updated. Current status = 5"_s));
     m_job->setDepoNum(4711);
     m_files[0]->setStatus(6);
-    EXPECT_TRUE(log.contains(u"Job #4711 status updated. Current status = 6"_s));
+    EXPECT_TRUE(log.contains(u"[info] [main] Job #4711 status updated. Current status = 6"_s));
     m_job->setMediaFiles({});
     m_job->recalculateTotalStatus();
-    EXPECT_EQ(log.count(u"Job #4711 status updated. Current status = 6"_s), 2);
+    EXPECT_EQ(log.count(u"[info] [main] Job #4711 status updated. Current status = 6"_s), 2);
     m_job->setStatus(11);
     m_job->recalculateTotalStatus();
     EXPECT_EQ(log.count(u"status updated"_s), 3);

@@ -131,6 +131,12 @@ TEST_F(JobTest, AFileRefusedAsPresentIsNotObserved)
     EXPECT_EQ(recomputed, 0);
 }
 
+TEST_F(JobTest, ThePriceOfANewJobIsTheEmptyText)
+{
+    EXPECT_EQ(Job::job()->jobTotal(), u"");
+    EXPECT_FALSE(Job::job()->jobTotal().isNull());
+}
+
 TEST_F(JobTest, ARemovedFileIsNoLongerObservedAndNoLongerCounted)
 {
     const auto job = Job::job();
@@ -248,7 +254,7 @@ TEST_F(JobTest, ARefusedAccessToTheTranscriptIsLogged)
     EXPECT_EQ(log.text(), QString());
     ASSERT_TRUE(QFile::remove(transcript));
     job->startAccessingBookmarkedURL();
-    EXPECT_TRUE(log.contains(u"Unable to start accessing security scoped url = file://"_s + transcript));
+    EXPECT_TRUE(log.contains(u"[error] [main] Unable to start accessing security scoped url = file://"_s + transcript));
 }
 
 TEST_F(JobTest, EachLevelHasItsProduct)

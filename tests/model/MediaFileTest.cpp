@@ -196,7 +196,7 @@ TEST_F(MediaFileTest, ARefusedAccessIsLogged)
     EXPECT_EQ(log.text(), QString());
     ASSERT_TRUE(QFile::remove(source));
     file->startAccessingBookmarkedURL();
-    EXPECT_TRUE(log.contains(u"Unable to start accessing security scoped url = file://"_s + source));
+    EXPECT_TRUE(log.contains(u"[error] [main] Unable to start accessing security scoped url = file://"_s + source));
 }
 
 TEST_F(MediaFileTest, ObserversAreToldOnceForEachTimeTheyWereAdded)

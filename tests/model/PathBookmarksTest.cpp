@@ -62,8 +62,8 @@ TEST_F(PathBookmarksTest, AFileThatIsGoneIsNothingAndLogged)
     PathBookmarks::saveBookmark(file);
     ASSERT_TRUE(QFile::remove(file));
     EXPECT_TRUE(PathBookmarks::getBookmarkedURL(file).isEmpty());
-    EXPECT_TRUE(
-        m_log.contains(u"Unable to create url from persisted bookmark, filePath = "_s + file + u", error = "_s));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to create url from persisted bookmark, filePath = "_s + file +
+                               u", error = "_s));
     EXPECT_TRUE(defaults().isStored(file));
 }
 
@@ -72,7 +72,7 @@ TEST_F(PathBookmarksTest, AnUnreadableEntryIsNothingAndLogged)
     const QString file = writeFile(u"clip.mov"_s, "x");
     defaults().setValue(file, QByteArray("garbage"));
     EXPECT_TRUE(PathBookmarks::getBookmarkedURL(file).isEmpty());
-    EXPECT_TRUE(m_log.contains(u"Unable to create url from persisted bookmark, filePath = "_s + file));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to create url from persisted bookmark, filePath = "_s + file));
 }
 
 TEST_F(PathBookmarksTest, AFileThatIsNotThereIsNotRemembered)
@@ -80,7 +80,8 @@ TEST_F(PathBookmarksTest, AFileThatIsNotThereIsNotRemembered)
     const QString file = path(u"none é.mov"_s);
     PathBookmarks::saveBookmark(file);
     EXPECT_FALSE(defaults().isStored(file));
-    EXPECT_TRUE(m_log.contains(u"Unable to create bookmark for url = "_s + urlText(file) + u", error = "_s));
+    EXPECT_TRUE(
+        m_log.contains(u"[error] [main] Unable to create bookmark for url = "_s + urlText(file) + u", error = "_s));
 }
 
 TEST_F(PathBookmarksTest, AFailedBookmarkLeavesTheOldEntry)
@@ -120,7 +121,7 @@ TEST_F(PathBookmarksTest, ARefusedAccessIsLoggedAndAnEmptyUrlIsNone)
     EXPECT_EQ(m_log.text(), QString());
     ASSERT_TRUE(QFile::remove(file));
     EXPECT_FALSE(PathBookmarks::startAccessing(QUrl::fromLocalFile(file)));
-    EXPECT_TRUE(m_log.contains(u"Unable to start accessing security scoped url = "_s + urlText(file)));
+    EXPECT_TRUE(m_log.contains(u"[error] [main] Unable to start accessing security scoped url = "_s + urlText(file)));
 }
 
 } // namespace
