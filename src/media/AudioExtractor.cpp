@@ -65,7 +65,12 @@ AudioExtractor::audioExtractorWithInputMediaFile(const std::shared_ptr<MediaFile
         Log::error("Error: no media file to extract the sound of");
         return nullptr;
     }
-    return std::shared_ptr<AudioExtractor>(new AudioExtractor(inputMediaFile, ffmpegPath));
+    std::shared_ptr<AudioExtractor> extractor(new AudioExtractor(inputMediaFile, ffmpegPath));
+    if (!extractor->m_task.isUsable()) {
+        Log::error("Error: unable to create new NSTask object");
+        return nullptr;
+    }
+    return extractor;
 }
 
 AudioExtractor::AudioExtractor(std::shared_ptr<MediaFile> inputMediaFile, const QString& ffmpegPath)

@@ -22,8 +22,8 @@
 class AudioExtractor
 {
 public:
-    // Null, with a line in the log, when there is no ffmpeg. Only for shared ownership: a thread that may call
-    // terminate() keeps the extractor alive meanwhile.
+    // Null, with a line in the log, when there is no ffmpeg, or the system lets no process be prepared. Only for shared
+    // ownership: a thread that may call terminate() keeps the extractor alive meanwhile.
     [[nodiscard]] static std::shared_ptr<AudioExtractor>
     audioExtractorWithInputMediaFile(const std::shared_ptr<MediaFile>& inputMediaFile,
                                      const QString& ffmpegPath = FfmpegLocation::ffmpegPath());

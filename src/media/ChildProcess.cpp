@@ -24,11 +24,20 @@ QString systemMessage(int error)
     return QString::fromStdString(std::generic_category().message(error));
 }
 
+// A duplicate of the descriptor that is none of the three standard ones, and closes by itself when the program runs.
+int aboveStandardDescriptors(int descriptor)
+{
+    return ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+}
+
 // In the child between fork and exec, where only calls that are safe in a signal handler are allowed. Tells
 // `failureDescriptor` why the program could not be run; the descriptor closes by itself when it runs.
 [[noreturn]] void becomeProgram(char* const* arguments, int outputDescriptor, int failureDescriptor, pid_t parent)
 {
     ::setpgid(0, 0);
+    // In a parent without standard descriptors these may have their numbers, which are given away below.
+    failureDescriptor = aboveStandardDescriptors(failureDescriptor);
+    outputDescriptor = aboveStandardDescriptors(outputDescriptor);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have gone before the request stood.
     if (::getppid() != parent)
@@ -39,7 +48,7 @@ QString systemMessage(int error)
     // Ignored signals would stay ignored in the program.
     for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGHUP})
         ::signal(signal, SIG_DFL);
-    const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    const int null = aboveStandardDescriptors(::open("/dev/null", O_RDWR | O_CLOEXEC));
     if (null >= 0 && ::dup2(null, STDIN_FILENO) >= 0 && ::dup2(null, STDOUT_FILENO) >= 0 &&
         ::dup2(outputDescriptor, STDERR_FILENO) >= 0)
         ::execv(arguments[0], arguments);

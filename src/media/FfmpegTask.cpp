@@ -190,7 +190,7 @@ QString FfmpegTask::launch(const QStringList& arguments, const std::function<voi
         return {};
     if (m_launched.exchange(true))
         return QStringLiteral("the task was launched before");
-    if (m_wakeDescriptor < 0)
+    if (!isUsable())
         return QStringLiteral("no event descriptor could be made");
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)

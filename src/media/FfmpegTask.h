@@ -20,6 +20,9 @@ public:
     FfmpegTask(const FfmpegTask&) = delete;
     FfmpegTask& operator=(const FfmpegTask&) = delete;
 
+    // False when the system has no descriptor left for the task; launch() then fails.
+    [[nodiscard]] bool isUsable() const { return m_wakeDescriptor >= 0; }
+
     // Launches the child and hands over its output as it comes, in pieces that end at a line end wherever the child
     // writes whole lines without pausing. Returns when the child has closed its output and has ended; one that lives on
     // for a second after closing its output is ended. Blocks the calling thread, on which `output` is called.

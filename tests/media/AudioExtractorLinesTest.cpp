@@ -36,8 +36,8 @@ TEST_F(AudioExtractorLines, TakeTheDuration)
 TEST_F(AudioExtractorLines, TellTheSystemLogTheDurationWithTheResolvedPath)
 {
     take(QStringLiteral("Duration: 00:00:01.50"));
-    EXPECT_TRUE(
-        m_log.contains(QStringLiteral("Input file: %1 duration:1.500000").arg(path(QStringLiteral("day 1.mov")))));
+    EXPECT_TRUE(m_log.contains(
+        QStringLiteral("[info] [main] Input file: %1 duration:1.500000").arg(path(QStringLiteral("day 1.mov")))));
 }
 
 TEST_F(AudioExtractorLines, CutTheProcessedTimeToWholeSeconds)
@@ -98,6 +98,14 @@ TEST_F(AudioExtractorLines, WithDurationButNoColonAndBlankChangeNothing)
     take(QStringLiteral("Duration 00:00:05.00"));
     take(QStringLiteral("Duration:00:00:05.00"));
     EXPECT_EQ(m_file->sourceDuration(), m_durationBefore);
+}
+
+TEST_F(AudioExtractorLines, AreSearchedForTimesWhateverTheLetterCase)
+{
+    take(QStringLiteral("DURATION: 00:00:05.00"));
+    EXPECT_EQ(m_file->sourceDuration(), 5.0F);
+    take(QStringLiteral("TIME=00:00:03.20"));
+    EXPECT_EQ(m_file->durationProcessed(), 3.0F);
 }
 
 TEST_F(AudioExtractorLines, OfTwoStreamsAreJoinedByOneLineFeed)

@@ -34,6 +34,18 @@ std::thread::id RecordedErrors::thread() const
     return m_thread;
 }
 
+NoDescriptorsLeft::NoDescriptorsLeft()
+{
+    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &m_old), 0);
+    const rlimit none{0, m_old.rlim_max};
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+}
+
+NoDescriptorsLeft::~NoDescriptorsLeft()
+{
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &m_old), 0);
+}
+
 Worker::Worker(std::function<void()> work)
     : m_thread([this, work = std::move(work)] {
           work();

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <sys/resource.h>
 #include <thread>
 
 // The errors that an extractor reports, and the threads on which it does.
@@ -26,6 +27,19 @@ private:
     mutable std::mutex m_mutex; // guards all below
     QList<Error> m_errors;
     std::thread::id m_thread;
+};
+
+// No descriptor can be opened while this lives.
+class NoDescriptorsLeft
+{
+public:
+    NoDescriptorsLeft();
+    ~NoDescriptorsLeft();
+    NoDescriptorsLeft(const NoDescriptorsLeft&) = delete;
+    NoDescriptorsLeft& operator=(const NoDescriptorsLeft&) = delete;
+
+private:
+    rlimit m_old{};
 };
 
 // Runs work on a thread of its own; its end is waited for with the main loop turning.

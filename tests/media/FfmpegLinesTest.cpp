@@ -34,7 +34,7 @@ TEST(FfmpegLines, JoinALineThatIsCutAcrossTwoPieces)
     EXPECT_EQ(lines.add("\n").first(), QStringLiteral("three"));
 }
 
-// Kept as it is on purpose: users of the lines depend on the very sequence.
+// The streams and times that are found depend on the very sequence of lines, so the repetition is part of it.
 TEST(FfmpegLines, PutWhatALineEndCompletedInFrontOfThePiecesAfterItOnceMore)
 {
     FfmpegLines lines;

@@ -50,11 +50,23 @@ TEST_F(FfmpegLocationTest, WithoutOneThereIsNoExtractorAndTheLogSaysWhy)
 {
     qputenv("PATH", path(QStringLiteral("nothing")).toUtf8());
     EXPECT_EQ(AudioExtractor::audioExtractorWithInputMediaFile(mediaFile(path(QStringLiteral("a.wav")))), nullptr);
-    EXPECT_TRUE(m_log.contains(QStringLiteral("Error: ffmpeg is not found inside app bundle")));
+    EXPECT_TRUE(m_log.contains(QStringLiteral("[error] [main] Error: ffmpeg is not found inside app bundle")));
+}
+
+TEST_F(FfmpegLocationTest, WithoutADescriptorForItsTaskThereIsNoExtractorAndTheLogSaysWhy)
+{
+    const auto file = mediaFile(path(QStringLiteral("a.wav")));
+    std::shared_ptr<AudioExtractor> extractor;
+    {
+        const NoDescriptorsLeft none;
+        extractor = AudioExtractor::audioExtractorWithInputMediaFile(file, m_ffmpeg.path());
+    }
+    EXPECT_EQ(extractor, nullptr);
+    EXPECT_TRUE(m_log.contains(QStringLiteral("[error] [main] Error: unable to create new NSTask object\n")));
 }
 
 TEST_F(FfmpegLocationTest, WithoutAMediaFileThereIsNoExtractor)
 {
     EXPECT_EQ(AudioExtractor::audioExtractorWithInputMediaFile(nullptr, m_ffmpeg.path()), nullptr);
-    EXPECT_TRUE(m_log.contains(QStringLiteral("Error: no media file")));
+    EXPECT_TRUE(m_log.contains(QStringLiteral("[error] [main] Error: no media file")));
 }

@@ -8,12 +8,40 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fcntl.h>
+#include <optional>
 #include <sys/types.h>
 #include <unistd.h>
+#include <vector>
 
 using namespace std::chrono_literals;
 
 namespace {
+
+// Standard input, output and error are closed while this lives, as in a program whose starter closed them.
+class ClosedStandardDescriptors
+{
+public:
+    ClosedStandardDescriptors()
+    {
+        for (int descriptor = 0; descriptor < 3; ++descriptor) {
+            m_kept.push_back(::fcntl(descriptor, F_DUPFD_CLOEXEC, 100));
+            ::close(descriptor);
+        }
+    }
+    ~ClosedStandardDescriptors()
+    {
+        for (int descriptor = 0; descriptor < 3; ++descriptor) {
+            ::dup2(m_kept[static_cast<std::size_t>(descriptor)], descriptor);
+            ::close(m_kept[static_cast<std::size_t>(descriptor)]);
+        }
+    }
+    ClosedStandardDescriptors(const ClosedStandardDescriptors&) = delete;
+    ClosedStandardDescriptors& operator=(const ClosedStandardDescriptors&) = delete;
+
+private:
+    std::vector<int> m_kept;
+};
 
 class FfmpegTaskTest : public ExtractorFixture
 {
@@ -84,6 +112,27 @@ TEST_F(FfmpegTaskTest, ReadsNothingFromStandardInputAndDropsStandardOutput)
     EXPECT_EQ(piecesOf(m_task).join().toStdString(), "/dev/null\n/dev/null\n");
 }
 
+TEST_F(FfmpegTaskTest, GivesTheChildItsStandardDescriptorsWhereTheProgramHasNone)
+{
+    m_ffmpeg.shell("files=$(readlink /proc/$$/fd/0 /proc/$$/fd/1)\necho \"$files\" >&2");
+    QByteArrayList outputs;
+    QStringList failures;
+    {
+        const ClosedStandardDescriptors closed;
+        const auto run = [&](FfmpegTask& task) {
+            QByteArray output;
+            failures.append(task.launch({}, [&](QByteArrayView piece) { output += piece.toByteArray(); }));
+            outputs.append(output);
+        };
+        // Made before, its event descriptor leaves one more of the three numbers to the pipe.
+        run(m_task);
+        FfmpegTask taskOfThisMoment(m_ffmpeg.path());
+        run(taskOfThisMoment);
+    }
+    EXPECT_EQ(failures, (QStringList{QString(), QString()}));
+    EXPECT_EQ(outputs, (QByteArrayList{"/dev/null\n/dev/null\n", "/dev/null\n/dev/null\n"}));
+}
+
 TEST_F(FfmpegTaskTest, GivesTheChildAProcessGroupOfItsOwn)
 {
     m_ffmpeg.waitsForRelease(QStringLiteral("go"));
@@ -102,6 +151,18 @@ TEST_F(FfmpegTaskTest, SaysWhyAProgramCannotBeLaunched)
     EXPECT_NE(missing.launch({}, ignore), QString());
     FfmpegTask notAProgram(writeFile(QStringLiteral("ffmpeg"), "notes"));
     EXPECT_NE(notAProgram.launch({}, ignore), QString());
+}
+
+TEST_F(FfmpegTaskTest, IsUsableUnlessTheSystemHasNoDescriptorForIt)
+{
+    EXPECT_TRUE(m_task.isUsable());
+    std::optional<FfmpegTask> task;
+    {
+        const NoDescriptorsLeft none;
+        task.emplace(m_ffmpeg.path());
+    }
+    EXPECT_FALSE(task->isUsable());
+    EXPECT_NE(task->launch({}, [](QByteArrayView) { ADD_FAILURE() << "launched"; }), QString());
 }
 
 TEST_F(FfmpegTaskTest, CanBeLaunchedOnce)
