@@ -1,6 +1,6 @@
-#include "DeponentName.h"
+#include "transcript/DeponentName.h"
 
-#include "LineWords.h"
+#include "transcript/LineWords.h"
 
 #include <algorithm>
 #include <vector>

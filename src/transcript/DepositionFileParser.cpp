@@ -1,15 +1,15 @@
-#include "DepositionFileParser.h"
-
-#include "DeponentName.h"
-#include "LineWords.h"
-#include "TranscriptText.h"
+#include "transcript/DepositionFileParser.h"
 
 #include "foundation/Log.h"
 #include "foundation/NumberReading.h"
 #include "foundation/Text.h"
+#include "transcript/DeponentName.h"
+#include "transcript/LineWords.h"
+#include "transcript/TranscriptText.h"
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <optional>
 
 namespace {
@@ -138,7 +138,7 @@ QString continuation(const QStringList& lines, qsizetype line)
 } // namespace
 
 std::shared_ptr<DepositionFileParser> DepositionFileParser::depositionFileParserWithFilePath(const QString& path)
-{
+try {
     const TranscriptText::Reading reading = TranscriptText::read(path);
     if (!reading.text) {
         Log::error("Error {}", reading.error);
@@ -150,6 +150,9 @@ std::shared_ptr<DepositionFileParser> DepositionFileParser::depositionFileParser
     parser->findDepoDate(lines, std::max<qsizetype>(deponentLine - linesAround, 0),
                          std::min(deponentLine + linesAround, lines.size() - 1));
     return parser;
+} catch (const std::bad_alloc&) {
+    Log::error("Error \"{}\": memory does not suffice for it", path);
+    return nullptr;
 }
 
 qsizetype DepositionFileParser::getNumWords(const QString& text)

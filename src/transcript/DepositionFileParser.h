@@ -20,7 +20,8 @@ public:
 class DepositionFileParser
 {
 public:
-    // Null when the file cannot be read as text, which is logged as an error. Throws DeponentNameOutOfRange.
+    // Null when the file cannot be read as text, or memory does not suffice for it, which is logged as an error. Throws
+    // DeponentNameOutOfRange.
     [[nodiscard]] static std::shared_ptr<DepositionFileParser> depositionFileParserWithFilePath(const QString& path);
 
     // All of the name before the last name; it may hold several words, titles and initials. Null when not found.

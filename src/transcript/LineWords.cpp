@@ -1,4 +1,4 @@
-#include "LineWords.h"
+#include "transcript/LineWords.h"
 
 #include <algorithm>
 

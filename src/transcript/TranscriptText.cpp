@@ -1,4 +1,4 @@
-#include "TranscriptText.h"
+#include "transcript/TranscriptText.h"
 
 #include "foundation/Text.h"
 
@@ -13,7 +13,9 @@
 
 namespace {
 
-constexpr qint64 largestFile = 256LL * 1024 * 1024;
+// Far above any transcript: a thousand pages are some 2 MiB. Decoded and cut into lines, a file takes several times
+// its size in memory.
+constexpr qint64 largestFile = 64LL * 1024 * 1024;
 // The detector reads no more than this.
 constexpr qsizetype sampleSize = 8192;
 

@@ -16,7 +16,8 @@ struct Reading
     QString error;
 };
 
-// Reads a regular file of at most 256 MiB whole; anything else (a folder, a pipe, a device) is an error.
+// Reads a regular file of at most 64 MiB whole; anything else (a folder, a pipe, a device) is an error. Throws
+// std::bad_alloc where memory does not suffice.
 [[nodiscard]] Reading read(const QString& path);
 
 // The text of `bytes`: by byte-order mark (UTF-8, UTF-16, UTF-32), else UTF-16 where every other byte says so, else

@@ -134,6 +134,8 @@ TEST(Deponent, EmptyNextLineIsPassedOverForTheOneAfterItAsItStands)
 {
     EXPECT_EQ(find(u"DEPOSITION OF|\t |  JOHN SMITH|taken"), named(u"JOHN", u"SMITH"));
     EXPECT_EQ(find(u"DEPOSITION OF||"), Found{});
+    // Only one empty line is: the second is taken for the name.
+    EXPECT_EQ(find(u"x|DEPOSITION OF|||JOHN SMITH|y"), named(u"", u"", 1));
     EXPECT_EQ(find(u"DEPOSITION OF|"), Found{});
 }
 
@@ -210,6 +212,7 @@ TEST(DeponentCandidate, EndsWhereTheRulesSay)
         {u"J. R. SMITH taken on", u"J. R. SMITH"},
         {u"A. JAMES MORGAN taken", u"A. JAMES MORGAN"},
         {u"A. JAMES McGAHAN taken", u"A. JAMES McGAHAN"},
+        {u"A. JAMES MacGAHAN taken", u"A. JAMES MacGAHAN"},
         {u"A. JAMES MORgan taken", u"A. JAMES"},
         {u"A. JAMES KIDD taken", u"A. JAMES"},
         {u"DR. WILLIAM H. HARPER taken", u"DR. WILLIAM"},

@@ -4,7 +4,10 @@
 
 #include <QElapsedTimer>
 
+#include <fstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -108,6 +111,15 @@ TEST_F(TranscriptFile, WithoutADeponentTheDateIsLookedForOnTheFirstEightLines)
     EXPECT_EQ(summary("a\r\nb\r\nc\r\nd\r\ne\r\nf\r\ng\r\nMay 3, 2011\r\nJune 4, 2012\r\nx\r\n"), "||03 may 2011");
 }
 
+TEST_F(TranscriptFile, TwoEmptyLinesBelowThePhraseLeaveTheNamesEmptyAndTheDateIsFound)
+{
+    const auto parser = parse("x\r\nDEPOSITION OF\r\n\r\n\r\nMay 3, 2011\r\ny");
+    ASSERT_NE(parser, nullptr);
+    EXPECT_EQ(parser->deponentFirstName(), QString());
+    EXPECT_EQ(parser->deponentLastName(), QString());
+    EXPECT_EQ(parser->dateString(), QStringLiteral("03 may 2011"));
+}
+
 TEST_F(TranscriptFile, CorporateWitnessThrowsAndGivesNothing)
 {
     EXPECT_THROW((void)parse("30(b)(6)\r\nDEPOSITION OF JOHN SMITH\r\nMay 3, 2011\r\n"), DeponentNameOutOfRange);
@@ -134,7 +146,7 @@ TEST_F(TranscriptFile, WhatCannotBeReadIsLoggedAndGivesNothing)
     EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(pipe), nullptr);
     EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(QStringLiteral("/dev/zero")), nullptr);
     EXPECT_EQ(parse(QByteArray("\xFF\xFE\x41", 3)), nullptr);
-    EXPECT_EQ(log.count(QStringLiteral("Error \"")), 6);
+    EXPECT_EQ(log.count(QStringLiteral("[error] [main] Error \"")), 6);
     EXPECT_TRUE(log.contains(QStringLiteral("missing.txt\": No such file")));
     EXPECT_TRUE(log.contains(QStringLiteral("pipe.txt\" is not a regular file")));
     EXPECT_TRUE(log.contains(QStringLiteral("depo.txt\" is text in no known encoding")));
@@ -144,10 +156,45 @@ TEST_F(TranscriptFile, TooLargeFileIsRefusedUnread)
 {
     const RecordedLog log;
     const QString file = writeFile(QStringLiteral("huge.txt"), "x");
-    ASSERT_EQ(truncate(qUtf8Printable(file), 300LL * 1024 * 1024), 0);
+    ASSERT_EQ(truncate(qUtf8Printable(file), 64LL * 1024 * 1024 + 1), 0);
     EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(file), nullptr);
     EXPECT_TRUE(log.contains(QStringLiteral("too large for a transcript")));
 }
+
+// Sanitizers take address space of their own, and end the program where memory does not suffice.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// No more than `bytes` of address space can be taken in addition while this lives.
+class AddressSpaceLimit
+{
+public:
+    explicit AddressSpaceLimit(rlim_t bytes)
+    {
+        std::uint64_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        getrlimit(RLIMIT_AS, &m_old);
+        const rlimit lowered{pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes, m_old.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_AS, &lowered), 0);
+    }
+    ~AddressSpaceLimit() { setrlimit(RLIMIT_AS, &m_old); }
+    AddressSpaceLimit(const AddressSpaceLimit&) = delete;
+    AddressSpaceLimit& operator=(const AddressSpaceLimit&) = delete;
+
+private:
+    rlimit m_old{};
+};
+
+TEST_F(TranscriptFile, FileThatMemoryDoesNotSufficeForIsLoggedAndGivesNothing)
+{
+    const RecordedLog log;
+    const QString file = writeFile(QStringLiteral("large.txt"), "x");
+    ASSERT_EQ(truncate(qUtf8Printable(file), 60LL * 1024 * 1024), 0);
+    {
+        const AddressSpaceLimit limit(32LL * 1024 * 1024);
+        EXPECT_EQ(DepositionFileParser::depositionFileParserWithFilePath(file), nullptr);
+    }
+    EXPECT_TRUE(log.contains(QStringLiteral("[error] [main] Error \"") + file + QStringLiteral("\": memory")));
+}
+#endif
 
 TEST_F(TranscriptFile, BinaryFileGivesEmptyFields)
 {
