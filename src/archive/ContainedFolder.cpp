@@ -1,9 +1,8 @@
-#include "ContainedFolder.h"
+#include "archive/ContainedFolder.h"
 
 #include <QDir>
 #include <QFile>
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

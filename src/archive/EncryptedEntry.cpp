@@ -1,4 +1,4 @@
-#include "EncryptedEntry.h"
+#include "archive/EncryptedEntry.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "FileAttributes.h"
+#include "archive/FileAttributes.h"
 
 #include "foundation/Text.h"
 

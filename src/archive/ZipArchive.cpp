@@ -1,7 +1,6 @@
-#include "ZipArchive.h"
+#include "archive/ZipArchive.h"
 
-#include "ZipExtraction.h"
-
+#include "archive/ZipExtraction.h"
 #include "foundation/Log.h"
 
 #include <QFileInfo>

@@ -27,7 +27,8 @@ public:
 
 // Reads zip archives into a folder, and writes them. What is unpacked stays inside its folder, whatever names the
 // entries bear and whatever links lie in it, and is made of folders and plain files only. One thread at a time; calls
-// block. Errors go to the delegate alone, in fixed words, and end in false.
+// block. Errors go to the delegate alone, in fixed words, and end in false. There is no file manager to hand in: files
+// are reached through the system alone.
 class ZipArchive
 {
 public:

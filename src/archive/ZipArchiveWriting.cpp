@@ -1,5 +1,5 @@
-#include "ZipArchive.h"
-#include "ZipCipher.h"
+#include "archive/ZipArchive.h"
+#include "archive/ZipCipher.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "ZipCipher.h"
+#include "archive/ZipCipher.h"
 
 #include <zlib.h>
 

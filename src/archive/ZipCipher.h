@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdint>
 
-// The cipher that zip archives always knew: weak, but read everywhere. Debian's minizip does not read what is
-// encrypted, and encrypts in a way that no reader understands, so it is here. One object for one entry.
+// The zip format's own cipher: weak, but read everywhere. Debian's minizip does not read what is encrypted, and
+// encrypts in a way that no reader understands, so it is here. One object for one entry.
 class ZipCipher
 {
 public:

@@ -1,7 +1,6 @@
-#include "ZipExtraction.h"
+#include "archive/ZipExtraction.h"
 
-#include "ZipArchive.h"
-
+#include "archive/ZipArchive.h"
 #include "foundation/Log.h"
 #include "foundation/PathText.h"
 
@@ -11,6 +10,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -86,9 +86,9 @@ ZipExtraction::Step ZipExtraction::extractEntry()
     makeFolders(*entry);
 
     FileDescriptor output;
-    const Transfer transferred = transfer(*entry, output);
-    if (output.isOpen())
-        finishFile(*entry, output);
+    Transfer transferred = transfer(*entry, output);
+    if (output.isOpen() && !finishFile(*entry, output))
+        transferred = Transfer::Failed;
     Step step = Step::GoOn;
     if (transferred == Transfer::Failed) {
         // The entry stays open: it is closed with the archive.
@@ -210,15 +210,18 @@ ZipExtraction::Transfer ZipExtraction::transfer(const Entry& entry, FileDescript
     }
 }
 
-void ZipExtraction::finishFile(const Entry& entry, FileDescriptor& output)
+bool ZipExtraction::finishFile(const Entry& entry, FileDescriptor& output)
 {
-    if (hasDate(entry.info) && !setModificationDate(output.get(), entry.info.tmu_date))
-        Log::system("Failed to set attributes");
+    // A second descriptor dates the very file that was written, whatever bears its name by then. Dated before it is
+    // closed, a file whose last bytes are written on closing would bear the time of that.
+    const FileDescriptor dated(fcntl(output.get(), F_DUPFD_CLOEXEC, 0));
+    const bool closed = output.close();
     m_archive.m_unzippedFiles += entry.path;
-    if (!output.close()) {
+    if (hasDate(entry.info) && !setModificationDate(dated.get(), entry.info.tmu_date))
+        Log::system("Failed to set attributes");
+    if (!closed)
         m_archive.OutputErrorMessage(QStringLiteral("Failed to write output file"));
-        m_success = false;
-    }
+    return closed;
 }
 
 ZipExtraction::Step ZipExtraction::goToNextEntry()

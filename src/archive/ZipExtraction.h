@@ -44,7 +44,8 @@ private:
     [[nodiscard]] FileDescriptor openOutput(const Entry& entry);
     [[nodiscard]] Transfer transfer(const Entry& entry, FileDescriptor& output);
     void makeFolders(const Entry& entry);
-    void finishFile(const Entry& entry, FileDescriptor& output);
+    // False when what was written could not be kept, which is reported.
+    [[nodiscard]] bool finishFile(const Entry& entry, FileDescriptor& output);
     [[nodiscard]] Step extractEntry();
     [[nodiscard]] Step goToNextEntry();
     void reportProgress();

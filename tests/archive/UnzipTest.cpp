@@ -193,7 +193,7 @@ TEST_F(Unzip, NumberOfEntriesIsKeptAndWrittenToTheSystemLog)
     const RecordedLog log;
     EXPECT_TRUE(archive.UnzipOpenFile(writeFile(QStringLiteral("a.zip"), craftedZip({{.name = "a"}, {.name = "b"}}))));
     EXPECT_EQ(archive.numFiles(), 2U);
-    EXPECT_TRUE(log.contains(QStringLiteral("2 entries in the zip file")));
+    EXPECT_TRUE(log.contains(QStringLiteral("[info] [main] 2 entries in the zip file")));
     EXPECT_FALSE(archive.UnzipOpenFile(path(QStringLiteral("none.zip"))));
     EXPECT_EQ(archive.numFiles(), 0U);
 }
