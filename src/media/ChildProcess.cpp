@@ -48,7 +48,7 @@ int aboveStandardDescriptors(int descriptor)
     // Ignored signals would stay ignored in the program.
     for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGHUP})
         ::signal(signal, SIG_DFL);
-    const int null = aboveStandardDescriptors(::open("/dev/null", O_RDWR | O_CLOEXEC));
+    const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     if (null >= 0 && ::dup2(null, STDIN_FILENO) >= 0 && ::dup2(null, STDOUT_FILENO) >= 0 &&
         ::dup2(outputDescriptor, STDERR_FILENO) >= 0)
         ::execv(arguments[0], arguments);

@@ -2,6 +2,7 @@
 
 #include "ExtractorFixture.h"
 
+#include "media/ChildProcess.h"
 #include "support/Waiting.h"
 
 #include <QFile>
@@ -151,6 +152,20 @@ TEST_F(FfmpegTaskTest, SaysWhyAProgramCannotBeLaunched)
     EXPECT_NE(missing.launch({}, ignore), QString());
     FfmpegTask notAProgram(writeFile(QStringLiteral("ffmpeg"), "notes"));
     EXPECT_NE(notAProgram.launch({}, ignore), QString());
+}
+
+TEST_F(FfmpegTaskTest, SaysWhyAlsoWhereTheProgramHasNoStandardDescriptors)
+{
+    const int output = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ASSERT_GT(output, STDERR_FILENO);
+    QString failure;
+    {
+        const ClosedStandardDescriptors closed;
+        ChildProcess child;
+        failure = child.start(path(QStringLiteral("nothing/ffmpeg")), {}, output);
+    }
+    ::close(output);
+    EXPECT_TRUE(failure.contains(QStringLiteral("No such file"))) << qPrintable(failure);
 }
 
 TEST_F(FfmpegTaskTest, IsUsableUnlessTheSystemHasNoDescriptorForIt)
