@@ -170,12 +170,17 @@ TEST_F(OrderTest, sortsRecordingsByFileNameIgnoringLetterCase)
 
 TEST_F(OrderTest, takesARecordingOnce)
 {
-    options.media << options.media.front() << path(QStringLiteral("./A.wav"));
-    [[maybe_unused]] const QString sameButForCase = writeFile(QStringLiteral("A.wav"), "x");
+    options.media << options.media.front() << path(QStringLiteral("./a.wav"));
     const auto order = prepared();
     EXPECT_EQ(namesOf(*order.job), QStringList(QStringLiteral("a.wav")));
-    EXPECT_EQ(order.remarks.size(), 2);
+    ASSERT_EQ(order.remarks.size(), 2);
     EXPECT_THAT(order.remarks.front().toStdString(), HasSubstr("was given twice; it is taken once."));
+}
+
+TEST_F(OrderTest, refusesTwoRecordingsWhoseNamesDifferInLetterCaseAlone)
+{
+    options.media << writeFile(QStringLiteral("A.wav"), "another sound");
+    EXPECT_THAT(problem(), HasSubstr("must differ in more than letter case"));
 }
 
 TEST_F(OrderTest, takesRelativePaths)

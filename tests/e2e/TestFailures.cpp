@@ -116,6 +116,40 @@ TEST_F(Failures, anEmptyRecording)
     expectServiceError(run(order({empty})), "No audio could be made of " + text(empty));
 }
 
+TEST_F(Failures, aRecordingThatVanishesBeforeItIsRead)
+{
+    service.addOverride("jobdetails.php", {.delay = std::chrono::milliseconds(300)});
+    const QString file = recording(QStringLiteral("a.wav"));
+    CliProgram& program = start(order({file}));
+    ASSERT_TRUE(Waiting::until([&] { return service.count("jobdetails.php") == 1; }));
+    ASSERT_TRUE(QFile::remove(file));
+    waitForEnd(program);
+    expectServiceError(program, "No audio could be made of " + text(file));
+}
+
+TEST_F(Failures, aTranscriptThatVanishesBeforeItIsSent)
+{
+    service.addOverride("add_segment.php", {.delay = std::chrono::milliseconds(300)});
+    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ASSERT_TRUE(Waiting::until([&] { return service.count("add_segment.php") == 1; }));
+    ASSERT_TRUE(QFile::remove(path(QStringLiteral("files/Doe-Jane-2026-03-04.txt"))));
+    waitForEnd(program);
+    expectServiceError(program, "Doe-Jane-2026-03-04.txt cannot be read");
+}
+
+TEST_F(Failures, anUploadWhoseReplyIsCutOff)
+{
+    service.addOverride("test_custupload2.php", {.cutAt = 6});
+    expectServiceError(submit(), "Job 883 cannot go on: ");
+}
+
+TEST_F(Failures, aDeliveryWhoseFolderCannotBeAskedFor)
+{
+    service.addOverride("miscstuff.php", {.status = 500});
+    expectServiceError(submit(), "downloading of job(883) files failed");
+    EXPECT_TRUE(QFile::exists(stateFile()));
+}
+
 TEST_F(Failures, aJobThatTheServiceWithdraws)
 {
     service.setTurnaround(std::chrono::minutes(10));

@@ -53,6 +53,26 @@ TEST_F(Resume, ofAJobThatStopsAgainIsAServiceError)
     EXPECT_TRUE(QFile::exists(stateFile()));
 }
 
+TEST_F(Resume, completesTheOtherJobsWhereOneStops)
+{
+    service.addOverride("jobdetails.php", {.reply = "later"});
+    const QString vanishing = recording(QStringLiteral("a.wav"));
+    EXPECT_EQ(run(order({vanishing})).exitCode(), 3);
+    service.addOverride("jobdetails.php", {.reply = "later"});
+    EXPECT_EQ(run(order({recording(QStringLiteral("b.wav"))})).exitCode(), 3);
+    service.clearOverrides();
+    ASSERT_TRUE(QFile::remove(vanishing));
+
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 3);
+    EXPECT_THAT(text(program.standardError()), HasSubstr(" cannot go on: "));
+    int delivered = 0;
+    for (const DemoService::Job& job : service.jobs())
+        delivered += job.delivered ? 1 : 0;
+    EXPECT_EQ(delivered, 1);
+    EXPECT_EQ(program.standardOutput().count(QStringLiteral(" is completed; ")), 1);
+}
+
 TEST_F(Resume, ofASavedListThatCannotBeReadIsNoCrash)
 {
     writeFile(QStringLiteral("temp/State_demo.archive"), "{ not JSON \xff");
