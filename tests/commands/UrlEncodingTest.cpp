@@ -25,7 +25,7 @@ const QString alphanumerics = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuv
 
 TEST(UrlEncodingTest, TheFullEncodingKeepsUnreservedAsciiCharactersAlone)
 {
-    expectAsciiTable(&UrlEncoding::urlEncode, alphanumerics + u"-._~"_s);
+    expectAsciiTable(&UrlEncoding::urlEncodeUsingEncoding, alphanumerics + u"-._~"_s);
 }
 
 TEST(UrlEncodingTest, TheQueryEncodingKeepsWhatMayStandInAQuery)
@@ -41,7 +41,7 @@ TEST(UrlEncodingTest, TheQueryEncodingLetsAValueBreakItsFieldApartBecauseTheServ
 
 TEST(UrlEncodingTest, TextOutsideAsciiIsEscapedFromItsUtf8)
 {
-    for (const auto& encode : {&UrlEncoding::urlEncode, &UrlEncoding::urlQueryString}) {
+    for (const auto& encode : {&UrlEncoding::urlEncodeUsingEncoding, &UrlEncoding::urlQueryString}) {
         EXPECT_EQ(encode(u"é€"_s), u"%C3%A9%E2%82%AC"_s);
         EXPECT_EQ(encode(u"😀"_s), u"%F0%9F%98%80"_s);
         EXPECT_EQ(encode(QString()), QString());
