@@ -238,6 +238,14 @@ void JobModel::endWork()
         Log::warning("Waiting for {} threads of the engine", m_threads.count());
 }
 
+void JobModel::postToMainThread(std::function<void()> work)
+{
+    MainThread::post([this, life = std::weak_ptr<const bool>(m_life), work = std::move(work)] {
+        if (!life.expired() && !m_isEnding)
+            work();
+    });
+}
+
 void JobModel::post(const std::shared_ptr<CUrlCommand>& command)
 {
     command->setObserver(this);

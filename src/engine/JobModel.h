@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -198,6 +199,8 @@ Q_SIGNALS:
     void isGettingInstructionsChanged();
     // The job, or one of its files, goes no further by itself: something was refused or failed, for this reason.
     void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
+    // A delivery has ended as the service sees it, but these of its files are missing or broken here.
+    void deliveryHadProblems(const std::shared_ptr<Job>& job, const QStringList& problems);
     // The upload of the log has ended, one way or the other.
     void logFileUploadEnded();
 
@@ -224,6 +227,8 @@ private:
     [[nodiscard]] JobPointer searchJobWithDepoNum(int depoNum) const;
     [[nodiscard]] QString failurePrefix(const CUrlCommand& command) const;
     [[nodiscard]] static JobPointer jobStoppedByFailureOf(const CUrlCommand& command);
+    // Dropped when the engine has ended before the main thread comes to it.
+    void postToMainThread(std::function<void()> work);
     void post(const std::shared_ptr<CUrlCommand>& command);
     void presentError(const QString& description);
     void presentErrorAndStop(const JobPointer& job, const QString& description);
@@ -253,6 +258,7 @@ private:
     std::atomic<double> m_finderSleepInterval{0.5};
     std::atomic<bool> m_doFindAndProcessJobs{false};
     std::atomic<bool> m_isEnding{false};
+    const std::shared_ptr<const bool> m_life = std::make_shared<const bool>(true);
     CountingGate m_ffmpegProcessesGate;
     UploadGate m_uploadGate;
 

@@ -134,7 +134,7 @@ bool JobModel::extractMediaFileInfo(const MediaFilePointer& mediaFile)
     threadSignalForFfmpegProcessesCondition();
     if (m_isEnding)
         return false; // Not read to its end: it stays where it can be read again.
-    MainThread::post([this, mediaFile] { extractMediaFileInfoFinished(mediaFile); });
+    postToMainThread([this, mediaFile] { extractMediaFileInfoFinished(mediaFile); });
     return true;
 }
 
@@ -185,7 +185,7 @@ void JobModel::convertToMP3ThreadProc(const JobPointer& job, const MediaFilePoin
     threadSignalForFfmpegProcessesCondition();
     if (m_isEnding)
         return; // Half an MP3: the file stays where it is converted again.
-    MainThread::post([this, job, mediaFile] { conversionToMp3Finished(job, mediaFile); });
+    postToMainThread([this, job, mediaFile] { conversionToMp3Finished(job, mediaFile); });
 }
 
 void JobModel::conversionToMp3Finished(const JobPointer& job, const MediaFilePointer& mediaFile)

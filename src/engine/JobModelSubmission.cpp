@@ -121,7 +121,7 @@ void JobModel::uploadMediaFileThreadProc(const JobPointer& job, const MediaFileP
         m_uploadGate.lose();
         const QString reason =
             Text::format("No audio could be made of {}: {} cannot be read", mediaFile->sourceFilePath(), mp3Path);
-        MainThread::post([this, job, reason] { Q_EMIT jobStopped(job, reason); });
+        postToMainThread([this, job, reason] { Q_EMIT jobStopped(job, reason); });
         return;
     }
     command->setUploadedObject(mediaFile);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -115,6 +116,21 @@ TEST_F(EndWorkTest, ThreadsThatWaitAtBothGatesAreReleasedWithoutDoingTheirWork)
     EXPECT_EQ(countOf(*uploading, 9), 1);
     EXPECT_EQ(countOf(*uploading, 8), 2);
     EXPECT_EQ(countOf(*converting, 4), 2);
+}
+
+TEST_F(EndWorkTest, WhatThreadsLeftForTheMainThreadIsDropped)
+{
+    const auto job = addJobAt(8);
+    job->mediaFiles().first()->setMp3FilePath(path(u"gone.mp3"_s));
+    model().uploadMediaFile(job->mediaFiles().first(), job);
+    // The main loop does not turn meanwhile.
+    const auto begin = std::chrono::steady_clock::now();
+    while (!log.contains(u"gone.mp3"_s) && std::chrono::steady_clock::now() - begin < 30s)
+        std::this_thread::sleep_for(1ms);
+    std::this_thread::sleep_for(50ms);
+    model().endWork();
+    Waiting::turnMainLoopFor(50ms);
+    EXPECT_TRUE(engine->stops.empty());
 }
 
 class EndOfTransfersTest : public ServiceEngineTest

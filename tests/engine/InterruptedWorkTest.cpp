@@ -18,6 +18,7 @@ struct WorkCase
     std::vector<int> toConvert = {}; // places from 1
     std::vector<int> toUpload = {};
     bool transcriptToUpload = false;
+    bool areMp3sLost = false;
 };
 
 class InterruptedWorkTest : public TemporaryHome, public testing::WithParamInterface<WorkCase>
@@ -40,6 +41,7 @@ TEST_P(InterruptedWorkTest, GoesOn)
         const auto file = MediaFile::mediaFileWithPath(path(QString::number(i) + u".wav"_s));
         job->insertObject(file, job->mediaFiles().size());
         file->setStatus(tested.files[i]);
+        file->setMp3FilePath(tested.areMp3sLost ? path(u"lost.mp3"_s) : writeFile(u"sound.mp3"_s, "sound"));
     }
     job->setStatus(tested.jobStatus);
     job->setTranscriptUploaded(tested.transcriptUploaded);
@@ -69,6 +71,8 @@ INSTANTIATE_TEST_SUITE_P(
         WorkCase{.name = "SomeUploaded", .jobStatus = 9, .files = {4, 10, 6, 8}, .toConvert = {1, 3}, .toUpload = {4}},
         WorkCase{.name = "AllAnnounced", .jobStatus = 8, .files = {8, 8}, .toUpload = {1, 2}},
         WorkCase{.name = "LastUploading", .jobStatus = 9, .files = {10, 8}, .toUpload = {2}},
+        // Somebody emptied the temporary folder meanwhile.
+        WorkCase{.name = "Mp3sLost", .jobStatus = 9, .files = {10, 8, 6}, .toConvert = {2, 3}, .areMp3sLost = true},
         // The transcript follows the last recording.
         WorkCase{.name = "TranscriptNotSent", .jobStatus = 10, .files = {10, 10}, .transcriptToUpload = true},
         WorkCase{.name = "AllSent", .jobStatus = 10, .files = {10, 10}, .transcriptUploaded = true},
