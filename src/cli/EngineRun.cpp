@@ -25,6 +25,12 @@ void EngineRun::startEngine()
     JobModel& model = application().jobModel();
     connect(&model, &JobModel::jobStopped, this, &EngineRun::jobStopped);
     connect(&model, &JobModel::jobRemoved, this, &EngineRun::jobRemoved);
+    connect(&model, &JobModel::deliveryHadProblems, this,
+            [this](const std::shared_ptr<Job>& job, const QStringList& problems) {
+                for (const QString& problem : problems)
+                    application().reporter().note(
+                        Text::format("Job {}: {}", NumberReading::valueOrZero(job->depoNum()), problem));
+            });
     m_follower = std::make_unique<JobFollower>(model, application().reporter());
     connect(&model, &JobModel::jobAdded, this, &EngineRun::jobWasAdded);
     application().setIsSaving(true);

@@ -24,7 +24,8 @@ DownloadFileCommand::DownloadFileCommand(const ServiceHosts& hosts, const QStrin
     if (!QFileInfo::exists(folder) && !QDir().mkpath(folder))
         Log::error("DownloadCommand for depo={}, file={}, unable to create folder at path: {}", depoNum, fileNum,
                    folder);
-    if (!m_downloadedFile.create(filePath)) {
+    m_isFileMade = m_downloadedFile.create(filePath);
+    if (!m_isFileMade) {
         Log::error("DownloadCommand for depo={}, file={}, unable to create file at path: {}", depoNum, fileNum,
                    filePath);
         return;

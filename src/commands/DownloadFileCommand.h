@@ -16,8 +16,11 @@ public:
                                 int fileNum, const QString& filePath);
 
     void execute() override;
+    // False where the local file could not be made.
+    [[nodiscard]] bool isFileMade() const { return m_isFileMade; }
     std::size_t downloadCallback(const char* bytes, std::size_t size, std::size_t number);
 
 private:
     DownloadedFile m_downloadedFile;
+    bool m_isFileMade = false;
 };

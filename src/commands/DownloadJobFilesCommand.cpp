@@ -71,6 +71,14 @@ void DownloadJobFilesCommand::executeNested(const std::shared_ptr<CUrlCommand>& 
     m_nested.reset();
 }
 
+void DownloadJobFilesCommand::noteFailure(const CUrlCommand& command, const QString& words)
+{
+    if (command.result() == 0)
+        return;
+    m_problems << Text::format("{}: {}", words, command.error().localizedDescription);
+    Log::error("Job {}, {}", depoNum(), m_problems.constLast());
+}
+
 void DownloadJobFilesCommand::cancel()
 {
     CUrlCommand::cancel();
@@ -118,6 +126,7 @@ QStringList DownloadJobFilesCommand::listResultFiles()
     while (names.size() < mostResultFiles && !isCancelled()) {
         const auto request = downloadRequest(Text::format("file_num={}&just_get_name=1", names.size()));
         executeNested(request);
+        noteFailure(*request, Text::format("the list of files broke off after {}", names.size()));
         const QString name = request->dataAsString();
         Log::system("{}", name);
         if (name.isEmpty())
@@ -181,9 +190,14 @@ void DownloadJobFilesCommand::downloadResultFile(int number, const QString& list
     const QString destination = name.isEmpty() ? folder + u'/' : PathText::appendingPathComponent(folder, name);
 
     Log::info("Start downloading file: {}", destination);
-    executeNested(DownloadFileCommand::downloadFileCommandWithUser(m_hosts, m_username, m_password, depoNum(), number,
-                                                                   destination));
+    const auto download = DownloadFileCommand::downloadFileCommandWithUser(m_hosts, m_username, m_password, depoNum(),
+                                                                           number, destination);
+    executeNested(download);
     Log::info("Done downloading file: {}", destination);
+    if (!download->isFileMade())
+        m_problems << Text::format("{} could not be made", destination);
+    else
+        noteFailure(*download, Text::format("{} was not received whole", destination));
 
     if (subFolder == QStringLiteral("Korvane") && PathText::pathExtension(destination) == u"zip")
         unzip(destination);
@@ -202,6 +216,7 @@ void DownloadJobFilesCommand::unzip(const QString& archivePath)
         QFile::remove(archivePath);
     } else {
         Log::error("Unzip error");
+        m_problems << Text::format("{} could not be unpacked", archivePath);
     }
 }
 
@@ -220,7 +235,9 @@ void DownloadJobFilesCommand::downloadDemoDiscFiles(const QString& jobFolderPath
 void DownloadJobFilesCommand::markDelivered(int numberOfFiles)
 {
     Log::info("Changing job(DepoNum = {}) server status to Done", depoNum());
-    executeNested(downloadRequest(Text::format("starting_point=0&file_num={}", numberOfFiles)));
+    const auto request = downloadRequest(Text::format("starting_point=0&file_num={}", numberOfFiles));
+    executeNested(request);
+    noteFailure(*request, QStringLiteral("the service was not told of the delivery"));
     Log::info("Changed job(DepoNum = {}) server status to Done", depoNum());
 }
 

@@ -13,8 +13,8 @@
 // demo-disc files, and tells the service that the job is delivered. The requests inside are never posted themselves.
 //
 // Progress reaches the observer on the worker thread: files done and files in all. A file that cannot be fetched,
-// written or unpacked is logged and the delivery goes on; only when the job's folder cannot be learnt does it stop,
-// with that request's result.
+// written or unpacked is logged and the delivery goes on, which problems() tells afterwards; only when the job's folder
+// cannot be learnt does it stop, with that request's result.
 class DownloadJobFilesCommand : public CUrlCommand
 {
 public:
@@ -32,6 +32,9 @@ public:
     void execute() override;
     void cancel() override;
 
+    // What was not delivered as it should be, in words. To be asked for when the command has ended.
+    [[nodiscard]] QStringList problems() const { return m_problems; }
+
     // The job's folder below the delivery folder, "" for the delivery folder itself; nothing when the service did not
     // answer, with result() set. Asks the service, blocking.
     [[nodiscard]] std::optional<QString> retriveLocalIntermediatePath();
@@ -48,6 +51,7 @@ private:
     std::optional<QString> askJobFact(const QString& extraFormData);
     // Executes a request inside this command, so that cancel() reaches it.
     void executeNested(const std::shared_ptr<CUrlCommand>& command);
+    void noteFailure(const CUrlCommand& command, const QString& words);
     [[nodiscard]] int depoNum() const;
     [[nodiscard]] std::shared_ptr<CUrlCommand> downloadRequest(const QString& ending) const;
 
@@ -56,6 +60,7 @@ private:
     const QString m_password;
     const std::shared_ptr<Job> m_job;
     const QString m_folderPath;
+    QStringList m_problems;
 
     std::mutex m_nestedMutex;
     std::shared_ptr<CUrlCommand> m_nested; // guarded by m_nestedMutex

@@ -124,6 +124,8 @@ void JobModel::curlCommandDone(CUrlCommand& command)
     } else if (dynamic_cast<GetInstructionsCommand*>(&command)) {
         processGetInstructionsResponse(text);
     } else if (auto* const download = dynamic_cast<DownloadJobFilesCommand*>(&command)) {
+        if (!download->problems().isEmpty())
+            Q_EMIT deliveryHadProblems(download->job(), download->problems());
         processJobDownloadJobResponse(download->job(), text);
     }
 }
