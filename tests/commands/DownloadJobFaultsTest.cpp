@@ -286,3 +286,46 @@ TEST_F(DownloadJobFaultsTest, ADeliveryCancelledBeforeItBeginsAsksNothing)
     EXPECT_TRUE(service.requests().empty());
     EXPECT_TRUE(deliveredFiles().isEmpty());
 }
+
+TEST_F(DownloadJobFaultsTest, WhatIsMissingOrBrokenIsToldAfterwards)
+{
+    QStringList problems;
+    observer.whenEnded = [&](CUrlCommand& command) {
+        problems = dynamic_cast<DownloadJobFilesCommand&>(command).problems();
+    };
+    answerNoJobFolder();
+    passDownloadRequests(4);                                            // three names and the end of the list
+    service.addOverride(downloadEndpoint, {.status = 500, .times = 1}); // the first file
+    passDownloadRequests(2);
+    service.addOverride(downloadEndpoint, {.status = 503, .times = 1}); // the mark
+    deliver({{"a.txt", "text"}, {"b.txt", "text"}, {"c.zip", "PK\x03\x04 no archive"}});
+    ASSERT_EQ(problems.size(), 2);
+    EXPECT_TRUE(problems.at(0).contains(u"a.txt was not received whole: cURL error( 22, "_s))
+        << qPrintable(problems[0]);
+    EXPECT_TRUE(problems.at(1).contains(u"the service was not told of the delivery"_s)) << qPrintable(problems[1]);
+}
+
+TEST_F(DownloadJobFaultsTest, AListThatBreaksOffIsToldAfterwards)
+{
+    QStringList problems;
+    observer.whenEnded = [&](CUrlCommand& command) {
+        problems = dynamic_cast<DownloadJobFilesCommand&>(command).problems();
+    };
+    answerNoJobFolder();
+    passDownloadRequests(1);
+    service.addOverride(downloadEndpoint, {.status = 500, .times = 1});
+    deliver({{"a.txt", "text"}, {"b.txt", "text"}});
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems.at(0).startsWith(u"the list of files broke off after 1: "_s)) << qPrintable(problems[0]);
+}
+
+TEST_F(DownloadJobFaultsTest, AWholeDeliveryHasNoProblems)
+{
+    QStringList problems{u"not asked"_s};
+    observer.whenEnded = [&](CUrlCommand& command) {
+        problems = dynamic_cast<DownloadJobFilesCommand&>(command).problems();
+    };
+    answerNoJobFolder();
+    deliver({{"a.txt", "text"}});
+    EXPECT_EQ(problems, QStringList());
+}

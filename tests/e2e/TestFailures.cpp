@@ -180,3 +180,12 @@ TEST_F(Failures, endTheRunAlsoWhereTheLogCannotBeSent)
     CliProgram& program = submit();
     expectServiceError(program, "Account on hold");
 }
+
+TEST_F(Failures, aDeliveryOfWhichAFileIsMissingIsNoErrorButIsTold)
+{
+    service.addOverride("test_downloadjob2.php", {.status = 500});
+    CliProgram& program = submit();
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_THAT(text(program.standardError()),
+                HasSubstr("Job 883: the list of files broke off after 0: cURL error( 22"));
+}
