@@ -356,6 +356,21 @@ TEST_F(JobStoreTest, AFileSavedWhileUploadingIsUploadedAtOnceAfterLoading)
     EXPECT_EQ(loaded->status(), 9);
 }
 
+TEST_F(JobStoreTest, LoadingRestartsTheSettledFilesOfJobsThatAreThereToo)
+{
+    const auto converted = addJobAt(6, {u"a.mov"_s}, 1);
+    const auto accepted = addJobAt(8, {u"b.mov"_s}, 2);
+    const auto uploaded = addJobAt(10, {u"c.mov"_s}, 3);
+    for (const auto& job : {accepted, uploaded})
+        job->mediaFiles().first()->setMp3FilePath(writeFile(u"sound.mp3"_s, "sound"));
+    uploaded->mediaFiles().first()->setStatus(8);
+    uploaded->setStatus(10);
+    model().loadState(folder);
+    EXPECT_TRUE(Waiting::until([&] { return fileStatuses(*accepted) == std::vector<int>{9}; }));
+    EXPECT_TRUE(Waiting::until([&] { return fileStatuses(*converted) == std::vector<int>{7}; })) << "converted again";
+    EXPECT_EQ(fileStatuses(*uploaded), std::vector<int>{8});
+}
+
 TEST_F(JobStoreTest, TheConvertedFilesOfUploadedLocalJobsAreDeletedAndTheirFoldersKept)
 {
     const auto mp3Of = [&](int depoNum, int status) {

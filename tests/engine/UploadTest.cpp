@@ -105,6 +105,19 @@ TEST_F(UploadTest, TheTranscriptIsSentOnceAfterTheLastRecording)
     EXPECT_TRUE(engine->stops.empty());
 }
 
+// The service may go on with a job before the reply to its last upload is here.
+TEST_F(UploadTest, ALateReplyToTheTranscriptDoesNotTakeTheJobBackFromItsDelivery)
+{
+    for (const auto& [status, after] : {std::pair(9, 10), std::pair(10, 10), std::pair(11, 10), std::pair(12, 12),
+                                        std::pair(14, 14), std::pair(15, 15), std::pair(17, 17)}) {
+        const auto job = acceptedJob({u"a.mov"_s}, status);
+        job->setStatus(status);
+        model().processJobUploadedJobFileResponse(job, job, u"UPLOAD COMPLETE"_s);
+        EXPECT_EQ(job->status(), after) << status;
+        EXPECT_TRUE(job->transcriptUploaded());
+    }
+}
+
 TEST_F(UploadTest, AnyOtherReplyIsAnErrorEvenWithALineEndAfterTheWords)
 {
     for (const QByteArray& reply : {QByteArray("UPLOAD COMPLETE\n"), QByteArray("upload complete"), QByteArray(),
@@ -235,7 +248,7 @@ TEST_F(UploadTest, ATransferThatFailsKeepsItsPlaceForAsLongAsTheProgramRuns)
     model().curlCommandFailed(*first[0]);
     EXPECT_EQ(model().numberOfRunningUploads(), 1);
     EXPECT_TRUE(uploads(0).empty());
-    EXPECT_TRUE(model().isUploadGateBlocked());
+    EXPECT_TRUE(Waiting::until([&] { return model().isUploadGateBlocked(); }));
 }
 
 TEST_F(UploadTest, AFailedTranscriptIsAReplyTheGateNoLongerWaitsFor)
@@ -252,7 +265,7 @@ TEST_F(UploadTest, AFailedTranscriptIsAReplyTheGateNoLongerWaitsFor)
     model().curlCommandFailed(*first[0]);
     EXPECT_FALSE(model().isUploadGateBlocked());
     model().curlCommandFailed(*transcripts[0]);
-    EXPECT_TRUE(model().isUploadGateBlocked());
+    EXPECT_TRUE(Waiting::until([&] { return model().isUploadGateBlocked(); }));
 }
 
 TEST_F(UploadTest, TheLastReprocessedFileBringsTheJobBackWithoutTheTranscript)
