@@ -1,5 +1,8 @@
 #include "CliTest.h"
 
+#include "support/Waiting.h"
+
+#include <QDir>
 #include <QFile>
 
 using testing::HasSubstr;
@@ -79,4 +82,48 @@ TEST_F(Resume, ofASavedListThatCannotBeReadIsNoCrash)
     CliProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_THAT(text(program.standardError()), HasSubstr("No saved jobs."));
+}
+
+TEST_F(Resume, saysWhoWorksOnTheSavedJobs)
+{
+    service.addOverride("jobdetails.php", {.hang = true});
+    CliProgram& first = start(order({recording(QStringLiteral("a.wav"))}));
+    ASSERT_TRUE(Waiting::until([this] { return service.hanging() == 1; }));
+    CliProgram& second = run({QStringLiteral("resume")});
+    EXPECT_EQ(second.exitCode(), 1);
+    EXPECT_THAT(text(second.standardError()), HasSubstr("are being worked on by quillpost-cli (process "));
+    EXPECT_EQ(service.count("cauthorize2.php"), 1) << "Nothing is sent before the jobs are its own.";
+    service.clearOverrides();
+    waitForEnd(first);
+    EXPECT_EQ(first.exitCode(), 0) << text(first.standardError());
+}
+
+TEST_F(Resume, tellsTheLevelOfAJobThatWasNotAcceptedBefore)
+{
+    service.addOverride("jobdetails.php", {.reply = "later"});
+    EXPECT_EQ(run(order({recording(QStringLiteral("a.wav"))})).exitCode(), 3);
+    service.clearOverrides();
+    EXPECT_THAT(text(run({QStringLiteral("resume")}).standardError()),
+                HasSubstr("was not accepted yet; it is ordered at the level Man72."));
+}
+
+TEST_F(Resume, endsWithAJobThatAnotherProgramDelivered)
+{
+    leaveAJob(QStringLiteral("a.wav"));
+    service.holdWord(883, "Done");
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 3);
+    EXPECT_THAT(text(program.standardError()), HasSubstr("Job 883 cannot go on: it was delivered already, by another"));
+}
+
+TEST_F(Resume, keepsSavedJobsThatCannotBeReadAndSaysSo)
+{
+    const QByteArray damaged = R"({"version": 1, "jobs": [{"transcriptFile")";
+    writeFile(QStringLiteral("temp/State_demo.archive"), damaged);
+    CliProgram& program = run({QStringLiteral("resume")});
+    EXPECT_THAT(text(program.standardError()), HasSubstr("cannot be read"));
+    const QDir folder(path(QStringLiteral("temp")));
+    const QStringList kept = folder.entryList({QStringLiteral("State_demo.archive.unreadable *")});
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(readFile(folder.filePath(kept.first())), damaged);
 }
