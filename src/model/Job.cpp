@@ -38,7 +38,10 @@ void Job::setTranscriptFile(const QString& transcriptFile)
 
 Job::MediaFiles Job::mediaFiles() const
 {
-    return copied(m_mediaFiles);
+    // Elements of its own: a list shared with a reader on another thread would be changed in place as soon as Qt's
+    // count says that the reader is done, which that count, read relaxed, does not order.
+    const std::scoped_lock lock(m_mutex);
+    return {m_mediaFiles.cbegin(), m_mediaFiles.cend()};
 }
 
 void Job::setMediaFiles(const MediaFiles& mediaFiles)
@@ -47,7 +50,7 @@ void Job::setMediaFiles(const MediaFiles& mediaFiles)
     files.removeAll(nullptr);
     {
         const std::scoped_lock lock(m_mutex);
-        m_mediaFiles = files;
+        m_mediaFiles = MediaFiles(files.cbegin(), files.cend());
         m_mediaFileHashesAreValid = false;
     }
     for (const auto& file : files)

@@ -99,7 +99,8 @@ TEST_F(DeliveryTest, WithoutALoggerOrItsFileNothingIsSent)
 TEST_F(DeliveryTest, TheLogsReplyIsLoggedAndNeverPresented)
 {
     int ended = 0;
-    QObject::connect(&model(), &JobModel::logFileUploadEnded, &model(), [&] { ++ended; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::logFileUploadEnded, &scope, [&] { ++ended; });
     model().uploadLogFile();
     const auto uploads = logUploads();
     ASSERT_EQ(uploads.size(), 1U);
@@ -272,7 +273,8 @@ TEST_F(FailureTest, OfADownload)
 TEST_F(FailureTest, OfTheLogsUpload)
 {
     int ended = 0;
-    QObject::connect(&model(), &JobModel::logFileUploadEnded, &model(), [&] { ++ended; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::logFileUploadEnded, &scope, [&] { ++ended; });
     fail(DebugUploadCommand::uploadCommandWithUser(hosts, u"u"_s, u"p"_s, writeFile(u"a.txt"_s, "x"), u"debug.txt"_s),
          u"Uploading of log file failed,  "_s + words, false);
     EXPECT_EQ(ended, 1);

@@ -59,7 +59,8 @@ TEST_F(JobRoadTest, AJobOfTwoRecordingsIsSubmittedProcessedAndDelivered)
 {
     const auto job = realJob({u"first.wav"_s, u"second.wav"_s});
     std::vector<int> statuses{job->status()};
-    QObject::connect(job.get(), &MediaObject::statusChanged, job.get(), [&] {
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(job.get(), &MediaObject::statusChanged, &scope, [&] {
         if (statuses.back() != job->status())
             statuses.push_back(job->status());
     });

@@ -62,9 +62,10 @@ TEST_F(JobStoreTest, AnEngineBeginsWithNothingAndPollsEveryMinute)
 TEST_F(JobStoreTest, AddingAndRemovingAJobIsAnnounced)
 {
     QStringList said;
-    QObject::connect(&model(), &JobModel::jobAdded, &model(),
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::jobAdded, &scope,
                      [&](const auto& job) { said.append(u"+"_s + job->name()); });
-    QObject::connect(&model(), &JobModel::jobRemoved, &model(),
+    QObject::connect(&model(), &JobModel::jobRemoved, &scope,
                      [&](const auto& job) { said.append(u"-"_s + job->name()); });
     const auto job = jobOf({}, u"a.txt"_s);
     model().addJobsObject(job);
@@ -122,7 +123,8 @@ TEST_F(JobStoreTest, AResetDropsEveryJobAndAsksTheService)
     model().setIsCheckingJobStatus(false);
     (void)takeCommands();
     int removed = 0;
-    QObject::connect(&model(), &JobModel::jobRemoved, &model(), [&] { ++removed; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::jobRemoved, &scope, [&] { ++removed; });
     model().resetAndLoadFromServer();
     EXPECT_TRUE(model().jobs().empty());
     EXPECT_EQ(removed, 2);
@@ -132,7 +134,8 @@ TEST_F(JobStoreTest, AResetDropsEveryJobAndAsksTheService)
 TEST_F(JobStoreTest, AResetOfNoJobsOnlyAsksTheService)
 {
     int removed = 0;
-    QObject::connect(&model(), &JobModel::jobRemoved, &model(), [&] { ++removed; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::jobRemoved, &scope, [&] { ++removed; });
     model().resetAndLoadFromServer();
     EXPECT_EQ(removed, 0);
     EXPECT_EQ(takeCommandsOf<CheckStatusCommand>().size(), 1U);
@@ -220,7 +223,8 @@ TEST_F(JobStoreTest, SavingWhileProcessingRunsLeavesTwoFinders)
 {
     model().setFinderSleepInterval(1);
     int passes = 0;
-    QObject::connect(&model(), &JobModel::hasUncompletedLocalJobsChanged, &model(), [&] { ++passes; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::hasUncompletedLocalJobsChanged, &scope, [&] { ++passes; });
     model().startJobProcessing();
     ASSERT_TRUE(Waiting::until([&] { return passes == 1; }));
     model().saveState(folder);
@@ -328,7 +332,8 @@ TEST_F(JobStoreTest, LoadingAddsTheJobsWithTheirPollsAndKeepsThoseThatAreThere)
     model().setIsCheckingJobStatus(false);
     (void)takeCommands();
     int added = 0;
-    QObject::connect(&model(), &JobModel::jobAdded, &model(), [&] { ++added; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::jobAdded, &scope, [&] { ++added; });
     model().loadState(folder);
     EXPECT_EQ(depoNums(), (std::vector<int>{3, 1, 2}));
     EXPECT_EQ(added, 2);

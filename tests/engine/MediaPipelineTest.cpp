@@ -75,7 +75,8 @@ TEST_F(FinderTest, KnowsWhichJobsAreUncompleted)
         restartEngine();
         addJobAt(status);
         std::optional<bool> said; // by the first pass, before the job's step is taken
-        QObject::connect(&model(), &JobModel::hasUncompletedLocalJobsChanged, &model(), [&] {
+        const QObject scope;      // the connection's end, before what it writes to goes
+        QObject::connect(&model(), &JobModel::hasUncompletedLocalJobsChanged, &scope, [&] {
             EXPECT_TRUE(MainThread::isCurrent());
             if (!said)
                 said = model().hasUncompletedLocalJobs();
@@ -107,7 +108,8 @@ TEST_F(FinderTest, NeverTakesAJobAtAnyOtherStatus)
         jobs.push_back(addJobAt(status, {u"a.mov"_s}, 100 + status));
     (void)takeCommands();
     int passes = 0;
-    QObject::connect(&model(), &JobModel::hasUncompletedLocalJobsChanged, &model(), [&] { ++passes; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::hasUncompletedLocalJobsChanged, &scope, [&] { ++passes; });
     model().setIsCheckingJobStatus(true);
     model().startJobProcessing();
     ASSERT_TRUE(Waiting::until([&] { return passes >= 4; }));
@@ -267,7 +269,8 @@ TEST_F(MediaPipelineTest, AConvertedFileIsAnnounced)
     (void)takeCommands();
     int sawConverted = 0;
     const auto file = job->mediaFiles().first();
-    QObject::connect(file.get(), &MediaObject::statusChanged, file.get(), [&] { sawConverted += file->status() == 6; });
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(file.get(), &MediaObject::statusChanged, &scope, [&] { sawConverted += file->status() == 6; });
     model().conversionToMp3Finished(job, file);
     EXPECT_EQ(sawConverted, 1);
     EXPECT_EQ(file->status(), 7);

@@ -160,7 +160,8 @@ TEST_F(InterruptedRunTest, AJobGoesOnAfterBeingSavedAndEndedAtEachOfItsStatuses)
         restartEngine();
         const auto job = realJob({QString::number(stop) + u"a.wav"_s, QString::number(stop) + u"b.wav"_s}, 0.3);
         bool isSaved = false;
-        QObject::connect(job.get(), &MediaObject::statusChanged, &model(), [&] {
+        const QObject scope; // the connection's end, before what it writes to goes
+        QObject::connect(job.get(), &MediaObject::statusChanged, &scope, [&] {
             if (job->status() < stop || isSaved)
                 return;
             isSaved = true;

@@ -209,9 +209,10 @@ TEST_F(StatusPollTest, ASingleWordAfterTheNumberLeavesNameAndStatusEmpty)
 TEST_F(StatusPollTest, AnUnknownDepositionThatIsJoinedIsReadyAndAWithdrawnOneDoesNotStay)
 {
     QStringList said;
-    QObject::connect(&model(), &JobModel::jobAdded, &model(),
+    const QObject scope; // the connection's end, before what it writes to goes
+    QObject::connect(&model(), &JobModel::jobAdded, &scope,
                      [&](const auto& job) { said.append(u"+"_s + job->name()); });
-    QObject::connect(&model(), &JobModel::jobRemoved, &model(),
+    QObject::connect(&model(), &JobModel::jobRemoved, &scope,
                      [&](const auto& job) { said.append(u"-"_s + job->name()); });
     reply(u"Depo: 1 a.txt Joined\nDepo: 2 b.txt VOID\n"_s);
     ASSERT_EQ(model().jobs().size(), 1U);

@@ -55,6 +55,9 @@ TEST_F(FfmpegLocationTest, WithoutOneThereIsNoExtractorAndTheLogSaysWhy)
 
 TEST_F(FfmpegLocationTest, WithoutADescriptorForItsTaskThereIsNoExtractorAndTheLogSaysWhy)
 {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "The undefined-behaviour checks need descriptors themselves.";
+#endif
     const auto file = mediaFile(path(QStringLiteral("a.wav")));
     std::shared_ptr<AudioExtractor> extractor;
     {
