@@ -34,6 +34,8 @@ public:
     [[nodiscard]] bool prepareFolders();
     // For the runs that work on the saved jobs: one program at a time.
     [[nodiscard]] bool takeSavedJobs();
+    // From here on the end of the run saves the engine's jobs.
+    void setIsSaving(bool saving) { m_isSaving = saving; }
 
     // Sends the login; on success the engine has the credentials and `loggedIn` is called with the contact ID,
     // otherwise the run ends.
@@ -102,8 +104,4 @@ private:
     int m_repeats = 0;
     QTimer m_logUploadLimit;
     std::optional<ExitCode> m_codeAfterLogUpload;
-
-public:
-    // From here on the end of the run saves the engine's jobs.
-    void setIsSaving(bool saving) { m_isSaving = saving; }
 };

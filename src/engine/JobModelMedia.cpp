@@ -183,8 +183,7 @@ void JobModel::convertToMP3ThreadProc(const JobPointer& job, const MediaFilePoin
         extractor.convertToMp3(mp3Path);
     });
     threadSignalForFfmpegProcessesCondition();
-    if (m_isEnding)
-        return; // Half an MP3: the file stays where it is converted again.
+    // Dropped while the engine ends: half an MP3 must not go on, the file stays where it is converted again.
     postToMainThread([this, job, mediaFile] { conversionToMp3Finished(job, mediaFile); });
 }
 
