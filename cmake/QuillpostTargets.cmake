@@ -32,16 +32,42 @@ function(quillpost_library room)
   target_link_libraries(${target} PUBLIC quillpost_options ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
 endfunction()
 
-# quillpost_test(<room> SOURCES … [LINKS …]): one test program for each folder, each of its tests run by ctest alone.
+# quillpost_window(<window> CONTROLLER <sources> VIEW <sources> [LINKS <libraries of the controller>]
+#                  [VIEW_LINKS <libraries of the view>])
+# A folder of src/ui: quillpost_ui_<window>, which links no widgets, and quillpost_ui_<window>_view over it. Either may
+# be without sources; the library is then not made.
+function(quillpost_window window)
+  cmake_parse_arguments(ARG "" "" "CONTROLLER;VIEW;LINKS;VIEW_LINKS" ${ARGN})
+  set(target quillpost_ui_${window})
+  set(controller quillpost_ui)
+  if(ARG_CONTROLLER)
+    add_library(${target} STATIC ${ARG_CONTROLLER})
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${target} PUBLIC quillpost_ui ${ARG_LINKS})
+    set(controller ${target})
+  endif()
+  if(ARG_VIEW)
+    add_library(${target}_view STATIC ${ARG_VIEW})
+    set_target_properties(${target}_view PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+    target_link_libraries(${target}_view PUBLIC ${controller} ${ARG_VIEW_LINKS} Qt6::Widgets)
+  endif()
+endfunction()
+
+# quillpost_test(<room> SOURCES … [LINKS …] [WIDGETS]): one test program for each folder, each of its tests run by
+# ctest alone. With WIDGETS it has a QApplication on Qt's offscreen platform.
 function(quillpost_test room)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "WIDGETS" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  set(main quillpost_test_support)
+  if(ARG_WIDGETS)
+    set(main quillpost_widget_test_support)
+  endif()
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
   set(target test_${room})
   add_executable(${target} ${ARG_SOURCES})
   set_target_properties(${target} PROPERTIES AUTOMOC ON)
-  target_link_libraries(${target} PRIVATE quillpost_test_support ${ARG_LINKS} GTest::gmock)
+  target_link_libraries(${target} PRIVATE ${main} ${ARG_LINKS} GTest::gmock)
   gtest_discover_tests(${target} TEST_PREFIX "${room}/" DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${ARG_TIMEOUT}
     ENVIRONMENT "TSAN_OPTIONS=ignore_noninstrumented_modules=1 halt_on_error=1;ASAN_OPTIONS=detect_stack_use_after_return=1")

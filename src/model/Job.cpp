@@ -19,6 +19,8 @@ void Job::emitAll(const Signals& changes)
 {
     for (const Signal signal : changes)
         Q_EMIT(this->*signal)();
+    if (!changes.isEmpty())
+        Q_EMIT rowChanged();
 }
 
 QString Job::transcriptFile() const
@@ -57,6 +59,7 @@ void Job::setMediaFiles(const MediaFiles& mediaFiles)
         observe(file);
     recalculateTotalMediaDuration();
     Q_EMIT mediaFilesChanged();
+    Q_EMIT rowChanged();
 }
 
 bool Job::holdsEqualLocked(const MediaFile& mediaFile)
@@ -90,8 +93,10 @@ void Job::insertObject(const std::shared_ptr<MediaFile>& mediaFile, qsizetype in
     if (inserted)
         observe(mediaFile);
     recalculateTotalStatus();
-    if (inserted)
+    if (inserted) {
         Q_EMIT mediaFilesChanged();
+        Q_EMIT rowChanged();
+    }
 }
 
 void Job::addMediaFilesObject(const std::shared_ptr<MediaFile>& mediaFile)
@@ -114,6 +119,7 @@ void Job::removeObjectFromMediaFilesAtIndex(qsizetype index)
     recalculateTotalMediaDuration();
     recalculateJobTotal();
     Q_EMIT mediaFilesChanged();
+    Q_EMIT rowChanged();
 }
 
 void Job::removeMediaFilesObject(const std::shared_ptr<MediaFile>& mediaFile)

@@ -218,6 +218,7 @@ private:
     {
         store(field, std::move(value));
         Q_EMIT(this->*signal)();
+        Q_EMIT rowChanged();
     }
     // With m_mutex held.
     void refreshRushRatesLocked(Signals& changes);

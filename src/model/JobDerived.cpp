@@ -393,7 +393,9 @@ void Job::recalculateTotalStatus()
         current = m_status;
         number = NumberReading::valueOrZero(m_depoNum);
     }
-    if (isSet)
+    if (isSet) {
         Q_EMIT statusChanged();
+        Q_EMIT rowChanged();
+    }
     Log::info("Job #{} status updated. Current status = {}", number, current);
 }

@@ -192,6 +192,7 @@ void MediaFile::setSourceDuration(std::optional<float> sourceDuration)
     Q_EMIT totalValueChanged();
     tellObservers(MediaFileChange::SourceDuration);
     Q_EMIT sourceDurationChanged();
+    Q_EMIT rowChanged();
 }
 
 QString MediaFile::mp3FilePath() const
@@ -233,6 +234,7 @@ void MediaFile::setDurationProcessed(std::optional<float> durationProcessed)
     Q_EMIT mp3DurationChanged();
     tellObservers(MediaFileChange::DurationProcessed);
     Q_EMIT durationProcessedChanged();
+    Q_EMIT rowChanged();
 }
 
 std::optional<qint64> MediaFile::mp3TotalFileSize() const
@@ -250,6 +252,7 @@ void MediaFile::setMp3TotalFileSize(std::optional<qint64> mp3TotalFileSize)
     Q_EMIT totalValueChanged();
     tellObservers(MediaFileChange::Mp3TotalFileSize);
     Q_EMIT mp3TotalFileSizeChanged();
+    Q_EMIT rowChanged();
 }
 
 std::optional<double> MediaFile::mp3UploadedFileSize() const
@@ -267,6 +270,7 @@ void MediaFile::setMp3UploadedFileSize(std::optional<double> mp3UploadedFileSize
     Q_EMIT processedValueChanged();
     tellObservers(MediaFileChange::Mp3UploadedFileSize);
     Q_EMIT mp3UploadedFileSizeChanged();
+    Q_EMIT rowChanged();
 }
 
 QString MediaFile::streamsInfo() const

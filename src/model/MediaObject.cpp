@@ -26,6 +26,7 @@ void MediaObject::setName(const QString& name)
 {
     store(m_name, name);
     Q_EMIT nameChanged();
+    Q_EMIT rowChanged();
 }
 
 QString MediaObject::serverStatus() const
@@ -39,6 +40,7 @@ void MediaObject::setServerStatus(const QString& serverStatus)
     statusDidChange();
     Q_EMIT statusChanged();
     Q_EMIT serverStatusChanged();
+    Q_EMIT rowChanged();
 }
 
 std::optional<double> MediaObject::totalValue() const
@@ -50,6 +52,7 @@ void MediaObject::setTotalValue(std::optional<double> totalValue)
 {
     store(m_totalValue, totalValue);
     Q_EMIT totalValueChanged();
+    Q_EMIT rowChanged();
 }
 
 std::optional<double> MediaObject::processedValue() const
@@ -61,6 +64,7 @@ void MediaObject::setProcessedValue(std::optional<double> processedValue)
 {
     store(m_processedValue, processedValue);
     Q_EMIT processedValueChanged();
+    Q_EMIT rowChanged();
 }
 
 void MediaObject::setStatus(int status)
@@ -71,6 +75,7 @@ void MediaObject::setStatus(int status)
     }
     statusDidChange();
     Q_EMIT statusChanged();
+    Q_EMIT rowChanged();
 }
 
 std::optional<int> MediaObject::scoreValue() const
@@ -82,6 +87,7 @@ void MediaObject::setScoreValue(std::optional<int> scoreValue)
 {
     store(m_scoreValue, scoreValue);
     Q_EMIT scoreValueChanged();
+    Q_EMIT rowChanged();
 }
 
 QList<std::shared_ptr<MediaObject>> MediaObject::childs() const

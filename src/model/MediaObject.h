@@ -72,6 +72,9 @@ Q_SIGNALS:
     void processedValueChanged();
     void statusChanged();
     void scoreValueChanged();
+    // After each of the signals above and of those of the derived classes that a list of jobs shows something of; for
+    // lists that would otherwise need a dozen connections for each of many thousand rows.
+    void rowChanged();
 
 protected:
     // The deleter of the shared pointers.

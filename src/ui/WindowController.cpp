@@ -1,0 +1,1 @@
+#include "ui/WindowController.h" // IWYU pragma: keep, for the class's meta object
