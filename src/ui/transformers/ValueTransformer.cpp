@@ -1,0 +1,6 @@
+#include "ui/transformers/ValueTransformer.h"
+
+QVariant ValueTransformer::reverseTransformedValue(const QVariant& /*value*/) const
+{
+    return {};
+}
