@@ -1,10 +1,10 @@
 #include "cli/CliApplication.h"
 
-#include "cli/Interruption.h"
 #include "cli/Terminal.h"
 #include "commands/AccountReplies.h"
 #include "commands/LoginCommand.h"
 #include "engine/SavedState.h"
+#include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"

@@ -1,11 +1,10 @@
 #include "cli/Order.h"
 
-#include "foundation/DateText.h"
 #include "foundation/PathText.h"
 #include "foundation/Text.h"
 #include "model/ProcessingLevel.h"
-#include "transcript/DepositionFileParser.h"
 #include "transcript/TranscriptFileType.h"
+#include "transcript/TranscriptPrefill.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -60,22 +59,19 @@ bool isAnotherFile(const QString& path, const QStringList& media)
 void prefill(const QString& transcript, const SubmitOptions& options, Order::Prepared& prepared)
 {
     Job& job = *prepared.job;
-    if (!TranscriptFileType::isParsed(PathText::pathExtension(transcript)))
+    const auto reading = TranscriptPrefill::read(transcript);
+    if (!reading)
         return;
-    try {
-        const auto parser = DepositionFileParser::depositionFileParserWithFilePath(transcript);
-        if (!parser)
-            return;
-        if (!options.firstName)
-            job.setDeponentFirstName(parser->deponentFirstName());
-        if (!options.lastName)
-            job.setDeponentLastName(parser->deponentLastName());
-        const auto date = DateText::readLeniently(parser->dateString());
-        if (!options.date && date)
-            job.setDepositionDate(*date);
-    } catch (const DeponentNameOutOfRange&) {
+    if (reading->isOutOfRange) {
         prepared.remarks << QStringLiteral("No name or date is taken from a corporate witness's transcript.");
+        return;
     }
+    if (!options.firstName)
+        job.setDeponentFirstName(reading->firstName);
+    if (!options.lastName)
+        job.setDeponentLastName(reading->lastName);
+    if (!options.date && reading->date)
+        job.setDepositionDate(*reading->date);
 }
 
 QString levelName(const Job& job)

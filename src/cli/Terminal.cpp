@@ -1,6 +1,6 @@
 #include "cli/Terminal.h"
 
-#include "cli/Interruption.h"
+#include "foundation/Interruption.h"
 
 #include <cstdio>
 #include <fcntl.h>

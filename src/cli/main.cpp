@@ -1,7 +1,7 @@
 #include "cli/CliApplication.h"
 #include "cli/CommandLine.h"
-#include "cli/Interruption.h"
 #include "cli/Runs.h"
+#include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/UserFolders.h"

@@ -1,4 +1,5 @@
-#include "cli/Interruption.h"
+#include "foundation/Interruption.h"
+
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,4 @@
-#include "cli/Interruption.h"
-
-#include "cli/ExitCode.h"
+#include "foundation/Interruption.h"
 
 #include <atomic>
 #include <csignal>
@@ -12,13 +10,14 @@ namespace {
 // A signal handler can reach nothing but globals; they are set before the handler is installed.
 int readEnd = -1;
 int writeEnd = -1;
+constexpr int codeOfASecondOne = 130; // what a shell gives for Ctrl-C
 std::atomic<bool> requested{false};
 
 void handleSignal(int)
 {
     const int errorBefore = errno;
     if (requested.exchange(true))
-        ::_exit(static_cast<int>(ExitCode::Interrupted));
+        ::_exit(codeOfASecondOne);
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
     errno = errorBefore;
