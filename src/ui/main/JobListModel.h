@@ -1,0 +1,109 @@
+#pragma once
+
+#include "ui/main/JobListColumn.h"
+#include "ui/main/RowChanges.h"
+
+#include <QAbstractItemModel>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+class Job;
+class JobModel;
+class MediaFile;
+class MediaObject;
+struct JobListNode;
+
+// The engine's jobs as an outline: jobs, and below each its media files in the job's order. It follows what the engine
+// and every row's object announce, on any thread, gathers it, and announces it on the main thread at most once in an
+// interval: rows inserted, rows removed, spans of rows changed. It is never reset.
+//
+// Sorting is by the value below what is shown; rows that are equal keep the engine's order either way. Column -1 is
+// the engine's order. Every index has an internal id of its own. The engine must outlive the model. Main thread.
+class JobListModel : public QAbstractItemModel
+{
+    Q_OBJECT
+public:
+    enum Role : int {
+        // The value below what is displayed: a number, or a text that is compared as people do.
+        SortRole = Qt::UserRole + 1,
+        // Progress, in the unit of the phase of work.
+        TotalValueRole,
+        ProcessedValueRole,
+        ProgressVisibleRole,
+    };
+
+    explicit JobListModel(JobModel& jobModel);
+    ~JobListModel() override;
+
+    // The least time between two announcements.
+    void setGatheringInterval(std::chrono::milliseconds interval) { m_interval = interval; }
+    // Announces now what is gathered.
+    void announceChanges();
+
+    // Null for an index that is no row.
+    [[nodiscard]] std::shared_ptr<MediaObject> mediaObject(const QModelIndex& index) const;
+    // The jobs as they are sorted. Null for a row that is none.
+    [[nodiscard]] std::shared_ptr<Job> arrangedJob(int row) const;
+    // In the engine's order, as last announced.
+    [[nodiscard]] QVariantList jobStatuses() const;
+
+    [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;
+    using QObject::parent;
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role = Qt::DisplayRole) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+Q_SIGNALS:
+    // After the signals of one announcement.
+    void changesAnnounced();
+
+private:
+    using Node = JobListNode;
+    using Nodes = std::vector<std::unique_ptr<JobListNode>>;
+
+    [[nodiscard]] static Node* nodeOf(const QModelIndex& index);
+    [[nodiscard]] QModelIndex indexOf(const Node& node, int column = 0) const;
+    [[nodiscard]] Nodes& rowsBelow(Node* parent);
+
+    void scheduleAnnouncement();
+    [[nodiscard]] std::unique_ptr<Node> makeNode(const std::shared_ptr<MediaObject>& object, Node* parent);
+    [[nodiscard]] std::unique_ptr<Node> makeJobNode(const std::shared_ptr<Job>& job);
+    void forget(Node& node);
+    void followJobs();
+    void followMediaFiles(Node& jobNode);
+    void announceRows(const std::unordered_set<RowChanges::RowId>& changed);
+    void announceSpans(Node* parent, const std::unordered_set<RowChanges::RowId>& changed);
+    void appendRows(Node* parent, Nodes added);
+    void removeRowsExcept(Node* parent, const std::unordered_set<const MediaObject*>& kept);
+    void rearrange(const std::function<void()>& move);
+    void renewSortValue(Node& node);
+    [[nodiscard]] bool isInOrder(const Nodes& rows) const;
+    void sortRows(Nodes& rows);
+    void sortAll();
+
+    JobModel& m_jobModel;
+    const std::shared_ptr<RowChanges> m_changes = std::make_shared<RowChanges>();
+    Nodes m_jobs;
+    std::unordered_map<RowChanges::RowId, Node*> m_nodes;
+    RowChanges::RowId m_lastId = 0;
+    bool m_haveJobsChanged = false;
+    bool m_isOrderInDoubt = false;
+
+    int m_sortColumn = -1;
+    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+
+    std::chrono::milliseconds m_interval{200};
+    QTimer m_timer;
+    QElapsedTimer m_sinceAnnouncement;
+};
