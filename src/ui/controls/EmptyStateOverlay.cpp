@@ -1,0 +1,58 @@
+#include "ui/controls/EmptyStateOverlay.h"
+
+#include <QAbstractItemView>
+#include <QEvent>
+
+using namespace Qt::StringLiterals;
+
+EmptyStateOverlay::EmptyStateOverlay(QAbstractItemView* view, const QString& text)
+    : QLabel(text, view->viewport()), m_view(view)
+{
+    setObjectName(u"emptyStateOverlay"_s);
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignCenter);
+    setWordWrap(true);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setForegroundRole(QPalette::PlaceholderText);
+    setMargin(fontMetrics().height());
+    view->viewport()->installEventFilter(this);
+    followModel();
+}
+
+void EmptyStateOverlay::followModel()
+{
+    if (m_model != nullptr)
+        m_model->disconnect(this);
+    m_model = m_view->model();
+    if (m_model != nullptr) {
+        connect(m_model, &QAbstractItemModel::rowsInserted, this, &EmptyStateOverlay::refresh);
+        connect(m_model, &QAbstractItemModel::rowsRemoved, this, &EmptyStateOverlay::refresh);
+        connect(m_model, &QAbstractItemModel::modelReset, this, &EmptyStateOverlay::refresh);
+        connect(m_model, &QAbstractItemModel::layoutChanged, this, &EmptyStateOverlay::refresh);
+    }
+    refresh();
+}
+
+void EmptyStateOverlay::refresh()
+{
+    setGeometry(m_view->viewport()->rect());
+    setVisible(m_model == nullptr || m_model->rowCount(m_view->rootIndex()) == 0);
+}
+
+bool EmptyStateOverlay::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::Show:
+    case QEvent::Resize:
+    case QEvent::Paint:
+        // No signal tells of another model; a view that got one is painted.
+        if (m_view->model() != m_model)
+            followModel();
+        else if (event->type() != QEvent::Paint)
+            refresh();
+        break;
+    default:
+        break;
+    }
+    return QLabel::eventFilter(watched, event);
+}

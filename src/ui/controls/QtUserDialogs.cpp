@@ -1,0 +1,96 @@
+#include "ui/controls/QtUserDialogs.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The window that the dialog belongs to: the active one, and where another program's is in front, one that is shown.
+QWidget* parentWindow()
+{
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->windowType() == Qt::Window)
+            return window;
+    }
+    return nullptr;
+}
+
+// Buttons read "&" as the mark of a shortcut.
+QString buttonText(QString text)
+{
+    return text.replace(u'&', u"&&"_s);
+}
+
+void setTexts(QMessageBox& box, const QString& title, const QString& text)
+{
+    box.setWindowTitle(title);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(text.isEmpty() ? title : text);
+}
+
+} // namespace
+
+void QtUserDialogs::warn(const QString& title, const QString& text)
+{
+    QMessageBox box(parentWindow());
+    box.setObjectName(u"warningAlert"_s);
+    box.setIcon(QMessageBox::Warning);
+    setTexts(box, title, text);
+    box.setStandardButtons(QMessageBox::Ok);
+    box.exec();
+}
+
+bool QtUserDialogs::ask(const Question& question)
+{
+    QMessageBox box(parentWindow());
+    box.setObjectName(u"questionAlert"_s);
+    box.setIcon(QMessageBox::Question);
+    setTexts(box, question.title, question.text);
+    QPushButton* const yes = box.addButton(buttonText(question.defaultButton), QMessageBox::AcceptRole);
+    QPushButton* const no = box.addButton(buttonText(question.alternateButton), QMessageBox::RejectRole);
+    yes->setObjectName(u"defaultButton"_s);
+    no->setObjectName(u"alternateButton"_s);
+    box.setDefaultButton(yes);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
+std::optional<QStringList> QtUserDialogs::choose(QFileDialog& dialog)
+{
+    dialog.setObjectName(u"fileDialog"_s);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    m_lastFolder = dialog.directory().absolutePath();
+    return dialog.selectedFiles();
+}
+
+std::optional<QStringList> QtUserDialogs::chooseFile(const QString& title, const QString& filter)
+{
+    QFileDialog dialog(parentWindow(), title, m_lastFolder, filter);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    return choose(dialog);
+}
+
+std::optional<QStringList> QtUserDialogs::chooseFiles(const QString& title, const QString& filter)
+{
+    QFileDialog dialog(parentWindow(), title, m_lastFolder, filter);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    return choose(dialog);
+}
+
+std::optional<QStringList> QtUserDialogs::chooseFolder(const QString& title, const QString& folder)
+{
+    QFileDialog dialog(parentWindow(), title, folder.isEmpty() ? m_lastFolder : folder);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return choose(dialog);
+}

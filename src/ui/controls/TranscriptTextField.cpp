@@ -1,0 +1,100 @@
+#include "ui/controls/TranscriptTextField.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFocusEvent>
+#include <QMimeData>
+#include <QUrl>
+
+bool TranscriptTextView::performDrop(QLineEdit& field, const QMimeData* data)
+{
+    const QStringList paths = TranscriptTextField::fileNames(data);
+    if (paths.isEmpty())
+        return false;
+    field.selectAll();
+    field.insert(paths.constLast());
+    return true;
+}
+
+TranscriptTextField::TranscriptTextField(QWidget* parent) : QLineEdit(parent)
+{
+    setAcceptDrops(true);
+    connect(this, &QLineEdit::textEdited, this, [this] { m_isEdited = true; });
+    connect(this, &QLineEdit::returnPressed, this, &TranscriptTextField::endEdit);
+}
+
+QStringList TranscriptTextField::fileNames(const QMimeData* data)
+{
+    QStringList paths;
+    if (data == nullptr || !data->hasUrls())
+        return paths;
+    for (const QUrl& url : data->urls()) {
+        if (const QString path = url.toLocalFile(); !path.isEmpty())
+            paths << path;
+    }
+    return paths;
+}
+
+void TranscriptTextField::answerDrag(QDragMoveEvent& event) const
+{
+    if (isReadOnly() || fileNames(event.mimeData()).isEmpty()) {
+        event.ignore();
+        return;
+    }
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
+void TranscriptTextField::dragEnterEvent(QDragEnterEvent* event)
+{
+    answerDrag(*event);
+}
+
+void TranscriptTextField::dragMoveEvent(QDragMoveEvent* event)
+{
+    answerDrag(*event);
+}
+
+void TranscriptTextField::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    event->accept();
+}
+
+void TranscriptTextField::dropEvent(QDropEvent* event)
+{
+    const QStringList paths = fileNames(event->mimeData());
+    if (isReadOnly() || paths.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    if (hasFocus() && m_fieldEditor != nullptr) {
+        TranscriptTextView::performDrop(*this, event->mimeData());
+    } else {
+        setText(paths.constLast());
+        m_isEdited = false;
+        Q_EMIT pathEntered();
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void TranscriptTextField::focusOutEvent(QFocusEvent* event)
+{
+    QLineEdit::focusOutEvent(event);
+    switch (event->reason()) {
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+    case Qt::MenuBarFocusReason:
+        return;
+    default:
+        endEdit();
+    }
+}
+
+void TranscriptTextField::endEdit()
+{
+    if (!m_isEdited)
+        return;
+    m_isEdited = false;
+    Q_EMIT pathEntered();
+}

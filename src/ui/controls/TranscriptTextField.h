@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QPointer>
+
+class QMimeData;
+
+// Takes drops on a transcript field that is being edited: the path becomes part of the edit.
+class TranscriptTextView : public QObject
+{
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+    // Selects all of the field's text and inserts the last path of the drag in its place: one edit that can be undone
+    // and that is told of as typing is (textEdited). False, and nothing changes, for a drag without file names.
+    static bool performDrop(QLineEdit& field, const QMimeData* data);
+};
+
+// A field for the path of a transcript, typed or dropped. Drags are taken when they carry file names, and are copies.
+// Typing is told of through textEdited.
+class TranscriptTextField : public QLineEdit
+{
+    Q_OBJECT
+public:
+    explicit TranscriptTextField(QWidget* parent = nullptr);
+
+    // Takes the drops while the field is being edited; without one, every drop is the field's. Not owned; may go first.
+    void setFieldEditor(TranscriptTextView* editor) { m_fieldEditor = editor; }
+
+    // The local paths of a drag that carries file names, in its order; empty for any other.
+    [[nodiscard]] static QStringList fileNames(const QMimeData* data);
+
+Q_SIGNALS:
+    // A path is there to be taken: dropped while the field was not being edited, or an edit that changed something
+    // ended, by Return or by leaving the field. Another window coming to the front ends no edit.
+    void pathEntered();
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void answerDrag(QDragMoveEvent& event) const;
+    void endEdit();
+
+    QPointer<TranscriptTextView> m_fieldEditor;
+    bool m_isEdited = false;
+};

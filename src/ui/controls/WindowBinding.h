@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ui/WindowController.h"
+
+#include <QWidget>
+
+namespace WindowBinding {
+
+// The window shows itself, comes to the front (out of the dock too) and closes when its controller says so. Either may
+// go first.
+inline void bind(WindowController& controller, QWidget& window)
+{
+    QObject::connect(&controller, &WindowController::showRequested, &window, [&window] {
+        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+        window.show();
+        window.raise();
+        window.activateWindow();
+    });
+    QObject::connect(&controller, &WindowController::closeRequested, &window, &QWidget::close);
+}
+
+} // namespace WindowBinding
