@@ -3,6 +3,7 @@
 #include "cli/Terminal.h"
 #include "commands/AccountReplies.h"
 #include "commands/LoginCommand.h"
+#include "engine/OrderlyEnd.h"
 #include "engine/SavedState.h"
 #include "foundation/Interruption.h"
 #include "foundation/Log.h"
@@ -25,8 +26,6 @@ namespace {
 constexpr const char* passwordVariable = "QUILLPOST_PASSWORD";
 constexpr const char* newPasswordVariable = "QUILLPOST_NEW_PASSWORD";
 constexpr std::chrono::milliseconds longestLogUpload{3000};
-// A transfer that hangs never holds up the end by more than this.
-constexpr std::chrono::milliseconds longestEnd{800};
 
 int storedLimit(const UserDefaults& defaults, const QString& key)
 {
@@ -280,12 +279,8 @@ void CliApplication::end(ExitCode code)
 void CliApplication::finish(ExitCode code)
 {
     bool areAllEnded = true;
-    if (m_jobModel) {
-        m_jobModel->endWork();
-        m_processor->stop();
-        m_processor->cancelRunningCommands();
-        areAllEnded = m_processor->waitUntilAllEnded(longestEnd);
-    }
+    if (m_jobModel)
+        areAllEnded = OrderlyEnd::endAllWork(*m_jobModel, *m_processor);
     if (m_isSaving) {
         save(); // Once more: replies that came meanwhile count.
         if (m_defaults.value(SettingsKey::AutoDeleteTempFiles).toBool())

@@ -3,6 +3,7 @@
 #include "foundation/Version.h"
 #include "model/DeliveryFormat.h"
 #include "model/ProcessingLevel.h"
+#include "settings/PollInterval.h"
 
 #include <CLI/CLI.hpp>
 
@@ -57,17 +58,6 @@ std::string dateProblem(const std::string& text)
     return "\"" + text + "\" is not a date of the form YYYY-MM-DD";
 }
 
-std::string pollIntervalProblem(const std::string& text)
-{
-    constexpr double shortest = 0.05;
-    constexpr double longest = 86400;
-    bool isNumber = false;
-    const double seconds = QString::fromStdString(text).toDouble(&isNumber);
-    if (isNumber && seconds >= shortest && seconds <= longest) // not "nan"
-        return {};
-    return "\"" + text + "\" is not a number of seconds from 0.05 to 86400";
-}
-
 CLI::Validator limitCheck()
 {
     // Without a name of its own, which the help would show.
@@ -82,7 +72,7 @@ void addGlobalOptions(CLI::App& app, CommandLine& line, Arguments& arguments)
     app.add_option("--user", arguments.user, "The account's user name (or QUILLPOST_USER)")->type_name("NAME");
     app.add_option("--poll-interval", line.pollInterval, "Seconds between two status requests (60)")
         ->type_name("SECONDS")
-        ->check(CLI::Validator(pollIntervalProblem, ""));
+        ->check(CLI::Validator(PollInterval::problem, ""));
     app.add_option("--delivery-folder", arguments.deliveryFolder, "Where results are delivered")->type_name("DIR");
     app.add_option("--temp-folder", arguments.tempFolder, "Where audio is prepared and unfinished jobs are kept")
         ->type_name("DIR");

@@ -1,0 +1,275 @@
+#include "app/QuillpostAppDelegate.h"
+
+#include "commands/CUrlCommandProcessor.h"
+#include "engine/JobModel.h"
+#include "engine/OrderlyEnd.h"
+#include "engine/SavedState.h"
+#include "foundation/Log.h"
+#include "foundation/NumberReading.h"
+#include "foundation/Text.h"
+#include "foundation/UserDefaults.h"
+#include "settings/SettingsKey.h"
+#include "ui/UserDialogs.h"
+#include "ui/errors/ErrorWindowController.h"
+#include "ui/errors/SyncErrorList.h"
+#include "ui/log/CustomLogWindowController.h"
+#include "ui/login/LoginWindowController.h"
+#include "ui/main/MainWindowController.h"
+#include "ui/preferences/PreferencesWindowController.h"
+#include "ui/submit/SubmitJobWindowController.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+namespace {
+
+// The platform's code for an action that the user cancelled: nothing is shown for it.
+constexpr int userCancelled = 3072;
+
+// A settings file is edited by hand now and then; a limit below 1 would stop all work.
+int limitFrom(const QVariant& value)
+{
+    return std::max(1, NumberReading::intValue(value));
+}
+
+} // namespace
+
+QuillpostAppDelegate::QuillpostAppDelegate(Environment environment) : m_environment(std::move(environment))
+{
+    awakeFromNib();
+}
+
+QuillpostAppDelegate::~QuillpostAppDelegate()
+{
+    m_jobModel->endWork();
+    m_curlCommandProcessor.reset();
+    Log::shutDown();
+}
+
+void QuillpostAppDelegate::awakeFromNib()
+{
+    configureLogger();
+    m_syncErrorList = std::make_unique<SyncErrorList>();
+    m_curlCommandProcessor = std::make_unique<CUrlCommandProcessor>();
+    m_curlCommandProcessor->start();
+    m_curlCommandProcessor->setMaxNumOfCommandThreads(std::numeric_limits<int>::max());
+    m_jobModel = std::make_unique<JobModel>(*this, m_environment.hosts);
+    bindJobModel();
+    m_jobModel->setCurlCommandProcessor(m_curlCommandProcessor.get());
+    m_jobModel->setStatusCheckTimeInterval(m_environment.statusCheckTimeInterval);
+    m_jobModel->setInstructionsCheckTimeInterval(m_environment.instructionsCheckTimeInterval);
+    m_loginWindowController = std::make_unique<LoginWindowController>(*this);
+    m_mainWindowController = std::make_unique<MainWindowController>(*this);
+    m_submitJobWindowController = std::make_unique<SubmitJobWindowController>(*this);
+    m_preferencesWindowController = std::make_unique<PreferencesWindowController>(*this);
+    m_errorWindowController = std::make_unique<ErrorWindowController>(*this);
+    m_customLogWindowController = std::make_unique<CustomLogWindowController>(*this);
+}
+
+void QuillpostAppDelegate::bindJobModel()
+{
+    UserDefaults& defaults = m_environment.defaults;
+    JobModel* const model = m_jobModel.get();
+    defaults.bind(SettingsKey::MaxNumberOfFfmpegProcesses, model,
+                  [model](const QVariant& value) { model->setMaxNumberOfRunningFfmpegProcesses(limitFrom(value)); });
+    defaults.bind(SettingsKey::MaxNumberOfUploads, model,
+                  [model](const QVariant& value) { model->setMaxNumberOfRunningUploads(limitFrom(value)); });
+    defaults.bind(SettingsKey::TemporaryFolder, model,
+                  [model](const QVariant& value) { model->setTempFilesFolder(value.toString()); });
+    defaults.bind(SettingsKey::DeliveryFolderPath, model,
+                  [model](const QVariant& value) { model->setDeliveryFolder(value.toString()); });
+    defaults.bind(SettingsKey::IsDownloadJobsOnlyFromThisMachine, model,
+                  [model](const QVariant& value) { model->setIsOnlyDownloadJobsSentFromThisMachine(value.toBool()); });
+}
+
+void QuillpostAppDelegate::configureLogger()
+{
+    m_fileLogger = std::make_shared<FileLogger>(m_environment.logFolder);
+    Log::configure({.fileLogger = m_fileLogger, .standardError = true, .systemLog = true, .lowest = Log::Level::Info});
+}
+
+void QuillpostAppDelegate::showCurlInfo()
+{
+    Log::info("curl version: {}", curl_version());
+}
+
+QString QuillpostAppDelegate::temporaryFolder() const
+{
+    return m_environment.defaults.value(SettingsKey::TemporaryFolder).toString();
+}
+
+void QuillpostAppDelegate::applicationDidFinishLaunching()
+{
+    const QString folder = temporaryFolder();
+    if (folder.isEmpty() || !QDir().mkpath(folder))
+        presentError({ErrorDomain::Platform, 0,
+                      folder.isEmpty() ? tr("There is no folder for temporary files: this account has no home folder.")
+                                       : tr("The folder for temporary files cannot be made: %1").arg(folder)});
+    m_loginWindowController->showWindow();
+    showCurlInfo();
+}
+
+void QuillpostAppDelegate::userLoggedIn(const QString& userName, const QString& password, const QString& contactID)
+{
+    m_isLoggedIn = true;
+    m_loginWindowController->close();
+    m_mainWindowController->showWindow();
+    checkDeliveryFolder();
+    if (m_isTerminating)
+        return;
+    m_userName = userName;
+    m_userPassword = password;
+    m_userContactID = contactID;
+    m_jobModel->setUsername(userName);
+    m_jobModel->setPassword(password);
+    m_jobModel->setContactID(contactID);
+    m_mainWindowController->setUserContactID(contactID);
+    if (!takeSavedJobs())
+        return;
+    m_jobModel->loadState(temporaryFolder());
+    m_jobModel->startJobProcessing();
+}
+
+// Two programs on the same saved jobs would send each other's jobs twice.
+bool QuillpostAppDelegate::takeSavedJobs()
+{
+    const QString path = SavedState::filePath(temporaryFolder(), m_userName);
+    while (!m_savedStateLock.take(path)) {
+        const bool again = dialogs().ask({QStringLiteral("Quillpost"),
+                                          tr("The jobs of %1 are being worked on by another program: %2. End it, then "
+                                             "try again.")
+                                              .arg(m_userName, SavedStateLock::holder(path)),
+                                          tr("Try Again"), tr("Quit Quillpost")});
+        if (m_isTerminating)
+            return false;
+        if (!again) {
+            m_isStateSaved = true; // They are the other program's to save.
+            terminate();
+            return false;
+        }
+    }
+    return true;
+}
+
+bool QuillpostAppDelegate::isDeliveryFolderUsable(const QString& path) const
+{
+    if (!QFileInfo::exists(path)) {
+        std::error_code error;
+        std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
+        if (!QFileInfo::exists(path)) {
+            Log::error("Error creating delivery folder: {}: {}", path, error.message());
+            return false;
+        }
+    }
+    const QFileInfo folder(path);
+    return folder.isDir() && folder.isWritable();
+}
+
+void QuillpostAppDelegate::checkDeliveryFolder()
+{
+    if (isDeliveryFolderUsable(m_environment.defaults.value(SettingsKey::DeliveryFolderPath).toString()))
+        return;
+    dialogs().warn(tr("Warning"),
+                   tr("Can not access previous delivery folder, resetting to default delivery location."));
+    m_environment.defaults.removeValue(SettingsKey::DeliveryFolderPath);
+}
+
+QuillpostAppDelegate::TerminateReply QuillpostAppDelegate::applicationShouldTerminate()
+{
+    if (!m_jobModel->hasUncompletedLocalJobs())
+        return TerminateReply::TerminateNow;
+    // Asked once at a time, however often the user tries meanwhile.
+    if (m_isAsking)
+        return TerminateReply::TerminateCancel;
+    m_isAsking = true;
+    const bool quits = dialogs().ask({tr("Quillpost"), tr("Jobs are being processed. Do you want to quit Quillpost?"),
+                                      tr("Quit Quillpost"), tr("Continue Processing")});
+    m_isAsking = false;
+    return quits ? TerminateReply::TerminateNow : TerminateReply::TerminateCancel;
+}
+
+void QuillpostAppDelegate::quit()
+{
+    if (!m_isTerminating && applicationShouldTerminate() == TerminateReply::TerminateNow)
+        quitWithoutAsking();
+}
+
+void QuillpostAppDelegate::quitWithoutAsking()
+{
+    saveOrAsk();
+    terminate();
+}
+
+void QuillpostAppDelegate::terminate()
+{
+    if (m_isTerminating)
+        return;
+    m_isTerminating = true;
+    Q_EMIT terminated();
+}
+
+// A full disk must not cost the user the jobs without a word.
+void QuillpostAppDelegate::saveOrAsk()
+{
+    if (!m_isLoggedIn || m_isStateSaved)
+        return;
+    while (const auto error = m_jobModel->saveState(temporaryFolder())) {
+        if (m_isTerminating ||
+            !dialogs().ask({tr("Quillpost"), tr("The jobs could not be saved: %1").arg(error->localizedDescription),
+                            tr("Try Again"), tr("Quit Without Saving")}))
+            return;
+    }
+}
+
+void QuillpostAppDelegate::saveJobs()
+{
+    // Before a login there are no jobs, and no name that they could be saved under.
+    if (m_isLoggedIn)
+        m_jobModel->saveState(temporaryFolder());
+}
+
+void QuillpostAppDelegate::applicationWillTerminate()
+{
+    if (m_isStateSaved)
+        return;
+    m_isStateSaved = true;
+    saveJobs();
+    if (m_environment.defaults.value(SettingsKey::AutoDeleteTempFiles).toBool())
+        m_jobModel->deleteTempFiles();
+}
+
+bool QuillpostAppDelegate::endAllWork()
+{
+    m_isTerminating = true;
+    const bool mustSave = !m_isStateSaved;
+    m_jobModel->stopJobProcessing();
+    applicationWillTerminate();
+    const bool areAllEnded = OrderlyEnd::endAllWork(*m_jobModel, *m_curlCommandProcessor);
+    if (mustSave)
+        saveJobs(); // Once more: replies that came meanwhile count.
+    m_environment.defaults.synchronize();
+    return areAllEnded;
+}
+
+void QuillpostAppDelegate::presentError(const Error& error)
+{
+    const Error shown = applicationWillPresentError(error);
+    if (shown.domain == ErrorDomain::Platform && shown.code == userCancelled)
+        return;
+    dialogs().warn(tr("Quillpost"), shown.localizedDescription);
+}
+
+Error QuillpostAppDelegate::applicationWillPresentError(const Error& error)
+{
+    if (error.domain != ErrorDomain::SyncBase)
+        return error;
+    Log::error("Will show user error: {}", error.localizedDescription);
+    m_jobModel->uploadLogFile();
+    m_syncErrorList->addError(error);
+    return {ErrorDomain::Platform, userCancelled, {}};
+}

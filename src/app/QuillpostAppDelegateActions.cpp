@@ -1,0 +1,116 @@
+// What menus, buttons and the submit window ask for.
+#include "app/QuillpostAppDelegate.h"
+#include "engine/JobModel.h"
+#include "foundation/UserDefaults.h"
+#include "model/Job.h"
+#include "settings/SettingsKey.h"
+#include "ui/UserDialogs.h"
+#include "ui/errors/ErrorWindowController.h"
+#include "ui/log/CustomLogWindowController.h"
+#include "ui/main/MainWindowController.h"
+#include "ui/preferences/PreferencesWindowController.h"
+#include "ui/submit/SubmitJobWindowController.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+// The caption that a job was given by the job before it is no work of the user's.
+bool isBegun(const std::shared_ptr<Job>& job, const QString& carriedCaption)
+{
+    return job && (!job->transcriptFile().isEmpty() || !job->mediaFiles().isEmpty() ||
+                   !job->deponentFirstName().isEmpty() || !job->deponentLastName().isEmpty() ||
+                   (!job->shortCaption().isEmpty() && job->shortCaption() != carriedCaption));
+}
+
+} // namespace
+
+void QuillpostAppDelegate::submitNewJob(const std::shared_ptr<Job>& job, bool andNew)
+{
+    m_jobModel->addJobsObject(job);
+    m_submitJobWindowController->close();
+    m_carriedCaption = andNew ? job->shortCaption() : QString();
+    if (!andNew) {
+        m_submitJobWindowController->setJob(nullptr);
+        return;
+    }
+    const auto next = Job::job();
+    next->setShortCaption(job->shortCaption());
+    m_submitJobWindowController->setJob(next);
+    m_submitJobWindowController->showWindow();
+}
+
+// What the user typed is given up by the user alone.
+bool QuillpostAppDelegate::mayDiscardUnsubmittedJob()
+{
+    return !isBegun(m_submitJobWindowController->job(), m_carriedCaption) ||
+           !dialogs().ask({tr("Quillpost"),
+                           tr("There is a job that you began and did not submit. Do you want to go on "
+                              "with it?"),
+                           tr("Continue Job"), tr("Start New Job")});
+}
+
+void QuillpostAppDelegate::showSubmitJobWindow()
+{
+    if (mayDiscardUnsubmittedJob())
+        m_submitJobWindowController->setJob(nullptr);
+    m_submitJobWindowController->showWindow();
+}
+
+void QuillpostAppDelegate::showSubmitJobWindowWithFiles(const QStringList& paths)
+{
+    m_submitJobWindowController->showWindow();
+    m_submitJobWindowController->addDroppedFiles(paths);
+}
+
+void QuillpostAppDelegate::showPreferencesWindow()
+{
+    m_preferencesWindowController->showWindow();
+}
+
+void QuillpostAppDelegate::refreshJobsStatus()
+{
+    m_jobModel->checkJobsStatusOnServer();
+}
+
+void QuillpostAppDelegate::openDeliveryFolder()
+{
+    const QString path = m_environment.defaults.value(SettingsKey::DeliveryFolderPath).toString();
+    if (!QFileInfo(path).isDir()) {
+        dialogs().warn(
+            tr("Quillpost"),
+            tr("The delivery folder is not there: %1. It is made when the first job is delivered; Preferences "
+               "has another one.")
+                .arg(path));
+        return;
+    }
+    openUrl(QUrl::fromLocalFile(path));
+}
+
+void QuillpostAppDelegate::showErrorWindow()
+{
+    m_errorWindowController->showWindow();
+    m_mainWindowController->errorsSeen();
+}
+
+void QuillpostAppDelegate::openAccountSettings()
+{
+    openUrl(QUrl(m_environment.hosts.secureUrl(QStringLiteral("/login"))));
+}
+
+void QuillpostAppDelegate::resetAndReloadFromServer()
+{
+    m_jobModel->resetAndLoadFromServer();
+}
+
+void QuillpostAppDelegate::showCustomLogWindow()
+{
+    m_customLogWindowController->showWindow();
+}
+
+void QuillpostAppDelegate::openUrl(const QUrl& url)
+{
+    if (!m_environment.open(url))
+        dialogs().warn(tr("Quillpost"), tr("Nothing on this computer opens %1").arg(url.toDisplayString()));
+}
