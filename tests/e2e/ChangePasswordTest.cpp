@@ -10,19 +10,19 @@ namespace {
 class ChangePassword : public CliTest
 {
 protected:
-    CliProgram& change(const QString& newPassword)
+    ChildProgram& change(const QString& newPassword)
     {
         environment[QStringLiteral("QUILLPOST_NEW_PASSWORD")] = newPassword;
         return run({QStringLiteral("change-password")});
     }
     void expectWrongUse(const QString& newPassword, const std::string& words)
     {
-        CliProgram& program = change(newPassword);
+        ChildProgram& program = change(newPassword);
         EXPECT_EQ(program.exitCode(), 1) << text(newPassword);
         EXPECT_THAT(text(program.standardError()), HasSubstr(words)) << text(newPassword);
         EXPECT_TRUE(service.requests().empty());
     }
-    void answer(CliProgram& program, const QString& prompt, const QByteArray& keys)
+    void answer(ChildProgram& program, const QString& prompt, const QByteArray& keys)
     {
         ASSERT_TRUE(Waiting::until([&] { return program.shown().endsWith(prompt); })) << text(program.shown());
         program.type(keys);
@@ -34,7 +34,7 @@ protected:
 TEST_F(ChangePassword, replacesItAndLogsInWithTheNewOne)
 {
     service.setDemandPasswordChange(true);
-    CliProgram& program = change(QStringLiteral("fresh-1"));
+    ChildProgram& program = change(QStringLiteral("fresh-1"));
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     EXPECT_EQ(text(program.standardOutput()), "The password is changed.\n");
     EXPECT_EQ(service.password(), "fresh-1");
@@ -57,7 +57,7 @@ TEST_F(ChangePassword, sendsNoneThatIsNotAllowed)
 TEST_F(ChangePassword, thatTheServiceRefusesGivesItsWords)
 {
     service.addOverride("CUpdate.php", {.reply = "Used before"});
-    CliProgram& program = change(QStringLiteral("fresh-1"));
+    ChildProgram& program = change(QStringLiteral("fresh-1"));
     EXPECT_EQ(program.exitCode(), 2);
     EXPECT_EQ(text(program.standardError()), "Used before\n");
 }
@@ -65,14 +65,14 @@ TEST_F(ChangePassword, thatTheServiceRefusesGivesItsWords)
 TEST_F(ChangePassword, thatCannotBeSentIsAServiceError)
 {
     service.addOverride("CUpdate.php", {.status = 500});
-    CliProgram& program = change(QStringLiteral("fresh-1"));
+    ChildProgram& program = change(QStringLiteral("fresh-1"));
     EXPECT_EQ(program.exitCode(), 3);
     EXPECT_THAT(text(program.standardError()), HasSubstr("The password cannot be changed: cURL error( 22, "));
 }
 
 TEST_F(ChangePassword, asksTwiceOnTheTerminal)
 {
-    CliProgram& program = start({QStringLiteral("change-password")}, CliProgram::Terminal::ForAll);
+    ChildProgram& program = start({QStringLiteral("change-password")}, ChildProgram::Terminal::ForAll);
     answer(program, QStringLiteral("New password: "), "fresh-2\n");
     answer(program, QStringLiteral("New password again: "), "fresh-2\n");
     waitForEnd(program);
@@ -85,7 +85,7 @@ TEST_F(ChangePassword, sendsNoneThatWasTypedDifferently)
 {
     // A variable that is set to nothing is as good as none.
     environment[QStringLiteral("QUILLPOST_NEW_PASSWORD")] = QString();
-    CliProgram& program = start({QStringLiteral("change-password")}, CliProgram::Terminal::ForAll);
+    ChildProgram& program = start({QStringLiteral("change-password")}, ChildProgram::Terminal::ForAll);
     answer(program, QStringLiteral("New password: "), "fresh-2\n");
     answer(program, QStringLiteral("New password again: "), "fresh-3\n");
     waitForEnd(program);

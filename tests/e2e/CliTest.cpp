@@ -17,14 +17,14 @@ CliTest::CliTest()
     environment[QStringLiteral("QUILLPOST_PASSWORD")] = QStringLiteral("demo1234");
 }
 
-CliProgram& CliTest::startBare(const QStringList& arguments, CliProgram::Terminal terminal)
+ChildProgram& CliTest::startBare(const QStringList& arguments, ChildProgram::Terminal terminal)
 {
-    m_programs.push_back(std::make_unique<CliProgram>());
+    m_programs.push_back(std::make_unique<ChildProgram>());
     m_programs.back()->start(arguments, environment, terminal);
     return *m_programs.back();
 }
 
-CliProgram& CliTest::start(const QStringList& arguments, CliProgram::Terminal terminal)
+ChildProgram& CliTest::start(const QStringList& arguments, ChildProgram::Terminal terminal)
 {
     return startBare(QStringList{QStringLiteral("--secure-host"), QString::fromStdString(service.secureHost()),
                                  QStringLiteral("--file-host"), QString::fromStdString(service.fileHost()),
@@ -35,21 +35,21 @@ CliProgram& CliTest::start(const QStringList& arguments, CliProgram::Terminal te
                      terminal);
 }
 
-CliProgram& CliTest::run(const QStringList& arguments)
+ChildProgram& CliTest::run(const QStringList& arguments)
 {
-    CliProgram& program = start(arguments);
+    ChildProgram& program = start(arguments);
     waitForEnd(program);
     return program;
 }
 
-CliProgram& CliTest::runBare(const QStringList& arguments)
+ChildProgram& CliTest::runBare(const QStringList& arguments)
 {
-    CliProgram& program = startBare(arguments);
+    ChildProgram& program = startBare(arguments);
     waitForEnd(program);
     return program;
 }
 
-void CliTest::waitForEnd(CliProgram& program)
+void CliTest::waitForEnd(ChildProgram& program)
 {
     ASSERT_TRUE(program.waitForEnd()) << "It runs on. It said: " << text(program.standardOutput()) << "\n"
                                       << text(program.standardError()) << "\n"
@@ -95,7 +95,7 @@ QString CliTest::onlyBody(const std::string& endpoint) const
     return requests.empty() ? QString() : QString::fromStdString(requests.front().body);
 }
 
-std::vector<QJsonObject> CliTest::objects(const CliProgram& program)
+std::vector<QJsonObject> CliTest::objects(const ChildProgram& program)
 {
     std::vector<QJsonObject> all;
     for (const QString& line : program.outputLines()) {
@@ -107,7 +107,7 @@ std::vector<QJsonObject> CliTest::objects(const CliProgram& program)
     return all;
 }
 
-std::vector<QJsonObject> CliTest::objects(const CliProgram& program, const QString& event)
+std::vector<QJsonObject> CliTest::objects(const ChildProgram& program, const QString& event)
 {
     std::vector<QJsonObject> all = objects(program);
     std::erase_if(all, [&](const QJsonObject& object) { return object.value(QStringLiteral("event")) != event; });

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CliProgram.h"
+#include "ChildProgram.h"
 
 #include "demo-service/Service.h"
 #include "support/TemporaryHome.h"
@@ -22,13 +22,14 @@ protected:
     CliTest();
 
     // Starts a run with the options for the service in front; to be waited for by the test.
-    CliProgram& start(const QStringList& arguments, CliProgram::Terminal terminal = CliProgram::Terminal::None);
+    ChildProgram& start(const QStringList& arguments, ChildProgram::Terminal terminal = ChildProgram::Terminal::None);
     // Starts a run and waits for its end.
-    CliProgram& run(const QStringList& arguments);
+    ChildProgram& run(const QStringList& arguments);
     // A run that is told nothing but `arguments` and the environment.
-    CliProgram& startBare(const QStringList& arguments, CliProgram::Terminal terminal = CliProgram::Terminal::None);
-    CliProgram& runBare(const QStringList& arguments);
-    void waitForEnd(CliProgram& program);
+    ChildProgram& startBare(const QStringList& arguments,
+                            ChildProgram::Terminal terminal = ChildProgram::Terminal::None);
+    ChildProgram& runBare(const QStringList& arguments);
+    void waitForEnd(ChildProgram& program);
 
     // A transcript with names and date on its cover, and a recording, in the home.
     [[nodiscard]] QString transcript() const;
@@ -44,8 +45,8 @@ protected:
     [[nodiscard]] QString onlyBody(const std::string& endpoint) const;
 
     // Every line of standard output as an object; a line that is none fails the test.
-    [[nodiscard]] static std::vector<QJsonObject> objects(const CliProgram& program);
-    [[nodiscard]] static std::vector<QJsonObject> objects(const CliProgram& program, const QString& event);
+    [[nodiscard]] static std::vector<QJsonObject> objects(const ChildProgram& program);
+    [[nodiscard]] static std::vector<QJsonObject> objects(const ChildProgram& program, const QString& event);
 
     [[nodiscard]] static std::string text(const QString& from) { return from.toStdString(); }
 
@@ -53,5 +54,5 @@ protected:
     QMap<QString, QString> environment;
 
 private:
-    std::vector<std::unique_ptr<CliProgram>> m_programs;
+    std::vector<std::unique_ptr<ChildProgram>> m_programs;
 };

@@ -13,9 +13,9 @@ namespace {
 class Failures : public CliTest
 {
 protected:
-    CliProgram& submit() { return run(order({recording(QStringLiteral("a.wav"))})); }
+    ChildProgram& submit() { return run(order({recording(QStringLiteral("a.wav"))})); }
 
-    void expectServiceError(CliProgram& program, const std::string& words)
+    void expectServiceError(ChildProgram& program, const std::string& words)
     {
         EXPECT_EQ(program.exitCode(), 3);
         EXPECT_THAT(text(program.standardError()), HasSubstr(words));
@@ -68,7 +68,7 @@ TEST_F(Failures, anUploadThatFails)
 TEST_F(Failures, anUploadThatIsRefused)
 {
     service.addOverride("test_custupload2.php", {.reply = "UPLOAD COMPLETE\n"});
-    CliProgram& program = submit();
+    ChildProgram& program = submit();
     expectServiceError(program, "uploading error for job(883), server resonse( UPLOAD COMPLETE\n )");
     expectServiceError(program, "Job 883 cannot go on: ");
     expectLogUploaded("UPLOAD COMPLETE");
@@ -85,8 +85,8 @@ TEST_F(Failures, aTranscriptUploadThatIsRefused)
 TEST_F(Failures, everyUploadPlaceLostToUploadsThatFailed)
 {
     service.addOverride("test_custupload2.php", {.status = 500, .times = 1});
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav")), recording(QStringLiteral("b.wav"))}) +
-                              QStringList{QStringLiteral("--max-uploads"), QStringLiteral("1")});
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav")), recording(QStringLiteral("b.wav"))}) +
+                                QStringList{QStringLiteral("--max-uploads"), QStringLiteral("1")});
     expectServiceError(program, "uploading of job(883) files failed");
 }
 
@@ -120,7 +120,7 @@ TEST_F(Failures, aRecordingThatVanishesBeforeItIsRead)
 {
     service.addOverride("jobdetails.php", {.delay = std::chrono::milliseconds(300)});
     const QString file = recording(QStringLiteral("a.wav"));
-    CliProgram& program = start(order({file}));
+    ChildProgram& program = start(order({file}));
     ASSERT_TRUE(Waiting::until([&] { return service.count("jobdetails.php") == 1; }));
     ASSERT_TRUE(QFile::remove(file));
     waitForEnd(program);
@@ -130,7 +130,7 @@ TEST_F(Failures, aRecordingThatVanishesBeforeItIsRead)
 TEST_F(Failures, aTranscriptThatVanishesBeforeItIsSent)
 {
     service.addOverride("add_segment.php", {.delay = std::chrono::milliseconds(300)});
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([&] { return service.count("add_segment.php") == 1; }));
     ASSERT_TRUE(QFile::remove(path(QStringLiteral("files/Doe-Jane-2026-03-04.txt"))));
     waitForEnd(program);
@@ -153,7 +153,7 @@ TEST_F(Failures, aDeliveryWhoseFolderCannotBeAskedFor)
 TEST_F(Failures, aJobThatTheServiceWithdraws)
 {
     service.setTurnaround(std::chrono::minutes(10));
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([&] {
         const auto job = service.job(883);
         return job && job->transcript.has_value();
@@ -166,7 +166,7 @@ TEST_F(Failures, aJobThatTheServiceWithdraws)
 TEST_F(Failures, areObjectsForPrograms)
 {
     service.addOverride("jobdetails.php", {.reply = "Account on hold"});
-    CliProgram& program = run(QStringList{QStringLiteral("--json")} + order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = run(QStringList{QStringLiteral("--json")} + order({recording(QStringLiteral("a.wav"))}));
     EXPECT_EQ(program.exitCode(), 3);
     const auto errors = objects(program, QStringLiteral("error"));
     ASSERT_FALSE(errors.empty());
@@ -177,14 +177,14 @@ TEST_F(Failures, endTheRunAlsoWhereTheLogCannotBeSent)
 {
     service.addOverride("jobdetails.php", {.reply = "Account on hold"});
     service.addOverride("qpt_debug_upload.php", {.hang = true});
-    CliProgram& program = submit();
+    ChildProgram& program = submit();
     expectServiceError(program, "Account on hold");
 }
 
 TEST_F(Failures, aDeliveryOfWhichAFileIsMissingIsNoErrorButIsTold)
 {
     service.addOverride("test_downloadjob2.php", {.status = 500});
-    CliProgram& program = submit();
+    ChildProgram& program = submit();
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_THAT(text(program.standardError()),
                 HasSubstr("Job 883: the list of files broke off after 0: cURL error( 22"));

@@ -13,7 +13,7 @@ namespace {
 class Inspect : public CliTest
 {
 protected:
-    CliProgram& inspect(const QStringList& files)
+    ChildProgram& inspect(const QStringList& files)
     {
         return runBare(QStringList{QStringLiteral("inspect"), QStringLiteral("--json")} + files);
     }
@@ -32,7 +32,7 @@ TEST_F(Inspect, isOneObjectForEachFileInTheOrderGiven)
     const QString sound = recording(QStringLiteral("z.wav"), 2);
     const QString plain = writeFile(QStringLiteral("files/plain.TXT"), "Nothing is to be found here.\r\n");
     const QString film = GeneratedMedia::film(path(QStringLiteral("files/a.mp4")), 1);
-    CliProgram& program = inspect({sound, transcript(), film, plain});
+    ChildProgram& program = inspect({sound, transcript(), film, plain});
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     const auto all = objects(program);
     ASSERT_EQ(all.size(), 4U);
@@ -57,7 +57,7 @@ TEST_F(Inspect, isOneObjectForEachFileInTheOrderGiven)
 TEST_F(Inspect, saysNullWhereARecordingTellsNothing)
 {
     const QString letter = GeneratedMedia::textFile(path(QStringLiteral("files/letter.mov")));
-    CliProgram& program = inspect({letter});
+    ChildProgram& program = inspect({letter});
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     ASSERT_EQ(objects(program).size(), 1U);
     EXPECT_EQ(line(objects(program).front()), "{\"duration\":null,\"file\":\"" + text(letter) + "\",\"streams\":null}");
@@ -67,7 +67,7 @@ TEST_F(Inspect, goesOnAfterAFileThatIsNotThere)
 {
     const QString missing = path(QStringLiteral("missing.txt"));
     const QString missingSound = path(QStringLiteral("missing.wav"));
-    CliProgram& program = inspect({missing, missingSound, transcript()});
+    ChildProgram& program = inspect({missing, missingSound, transcript()});
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_EQ(text(program.standardError()),
               text(missing) + " cannot be read.\n" + text(missingSound) + " cannot be read.\n");
@@ -85,7 +85,7 @@ TEST_F(Inspect, takesAwkwardNames)
     QStringList files;
     for (const QString& name : names)
         files << QFileInfo(recording(name)).absolutePath() + QStringLiteral("/../files/./") + name;
-    CliProgram& program = inspect(files);
+    ChildProgram& program = inspect(files);
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     const auto all = objects(program);
     ASSERT_EQ(all.size(), 3U);
@@ -100,7 +100,7 @@ TEST_F(Inspect, prefillsNothingForACorporateWitness)
 {
     const QString corporate = writeFile(QStringLiteral("files/corporate.txt"),
                                         "  30(b)(6)\r\n  DEPOSITION OF JOHN SMITH\r\n  May 4, 2026\r\n");
-    CliProgram& program = inspect({corporate});
+    ChildProgram& program = inspect({corporate});
     EXPECT_EQ(program.exitCode(), 0);
     ASSERT_EQ(objects(program).size(), 1U);
     EXPECT_TRUE(objects(program).front().value(QStringLiteral("last")).isNull());
@@ -108,7 +108,7 @@ TEST_F(Inspect, prefillsNothingForACorporateWitness)
 
 TEST_F(Inspect, isReadableForPeopleWithoutJson)
 {
-    CliProgram& program = runBare({QStringLiteral("inspect"), transcript(), recording(QStringLiteral("a.wav"), 2)});
+    ChildProgram& program = runBare({QStringLiteral("inspect"), transcript(), recording(QStringLiteral("a.wav"), 2)});
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_THAT(text(program.standardOutput()), HasSubstr(": first Jane Q., last Doe, date 04 march 2026\n"));
     EXPECT_THAT(text(program.standardOutput()), HasSubstr("a.wav: duration 0:00:02\n  Stream #0:0"));
@@ -118,7 +118,7 @@ TEST_F(Inspect, saysWhenThereIsNoFfmpeg)
 {
     environment[QStringLiteral("PATH")] = path(QStringLiteral("nothing-here"));
     const QString file = writeFile(QStringLiteral("files/a.wav"), "RIFF");
-    CliProgram& program = inspect({file});
+    ChildProgram& program = inspect({file});
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_THAT(text(program.standardError()), HasSubstr("ffmpeg is not installed."));
     EXPECT_EQ(objects(program).size(), 1U);

@@ -20,7 +20,7 @@ class Interruption : public CliTest
 {
 protected:
     // Sends the signal, and expects an orderly end without delay.
-    void interrupt(CliProgram& program, int signal = SIGINT)
+    void interrupt(ChildProgram& program, int signal = SIGINT)
     {
         program.signal(signal);
         ASSERT_TRUE(program.waitForEnd(longestEnd)) << "It did not end.";
@@ -33,7 +33,7 @@ protected:
     void resumeToTheEnd(std::size_t segments)
     {
         service.clearOverrides();
-        CliProgram& program = run({QStringLiteral("resume")});
+        ChildProgram& program = run({QStringLiteral("resume")});
         EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
         ASSERT_EQ(service.jobs().size(), 1U) << "The job is not ordered twice.";
         const DemoService::Job job = service.jobs().front();
@@ -68,8 +68,8 @@ TEST_F(Interruption, whileConvertingEndsTheConverters)
 {
     ScriptedFfmpeg ffmpeg;
     makeConversionsHang(ffmpeg);
-    CliProgram& program = start(QStringList{QStringLiteral("--max-ffmpeg"), QStringLiteral("2")} +
-                                order({recording(QStringLiteral("a.wav")), recording(QStringLiteral("b.wav"))}));
+    ChildProgram& program = start(QStringList{QStringLiteral("--max-ffmpeg"), QStringLiteral("2")} +
+                                  order({recording(QStringLiteral("a.wav")), recording(QStringLiteral("b.wav"))}));
     ASSERT_TRUE(Waiting::until([&] { return ffmpeg.runs().size() == 4 && ffmpeg.runningCount() == 2; }));
     interrupt(program);
     EXPECT_EQ(ffmpeg.runningCount(), 0);
@@ -84,7 +84,7 @@ TEST_F(Interruption, byTerminationWhileReadingRecordings)
     const QString file = recording(QStringLiteral("a.wav"));
     const QString path = environment[QStringLiteral("PATH")];
     environment[QStringLiteral("PATH")] = ffmpeg.file(QString()) + u':' + path;
-    CliProgram& program = start(order({file}));
+    ChildProgram& program = start(order({file}));
     ASSERT_TRUE(Waiting::until([&] { return ffmpeg.runningCount() == 1; }));
     interrupt(program, SIGTERM);
     EXPECT_EQ(ffmpeg.runningCount(), 0);
@@ -95,7 +95,7 @@ TEST_F(Interruption, byTerminationWhileReadingRecordings)
 TEST_F(Interruption, whileAnUploadHangs)
 {
     service.addOverride("test_custupload2.php", {.hang = true});
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([&] { return service.hanging() == 1; }));
     interrupt(program);
     resumeToTheEnd(1);
@@ -105,7 +105,7 @@ TEST_F(Interruption, whileTheTranscriptsUploadHangs)
 {
     service.addOverride("test_custupload2.php", {.delay = std::chrono::milliseconds(1), .times = 1});
     service.addOverride("test_custupload2.php", {.hang = true});
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([&] { return service.hanging() == 1; }));
     interrupt(program, SIGTERM);
     resumeToTheEnd(1);
@@ -115,7 +115,7 @@ TEST_F(Interruption, whileTheTranscriptsUploadHangs)
 TEST_F(Interruption, whileTheServiceWorks)
 {
     service.setTurnaround(std::chrono::minutes(10));
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([&] { return program.standardOutput().contains(QStringLiteral("In Process")); }));
     interrupt(program);
     ASSERT_TRUE(service.holdWord(883, "Joined"));
@@ -127,7 +127,7 @@ TEST_F(Interruption, whileTheServiceWorks)
 TEST_F(Interruption, whileResultsAreDownloaded)
 {
     service.addOverride("test_downloadjob2.php", {.hang = true});
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([&] { return service.hanging() == 1; }));
     interrupt(program);
     resumeToTheEnd(1);
@@ -136,7 +136,7 @@ TEST_F(Interruption, whileResultsAreDownloaded)
 TEST_F(Interruption, whileTheLoginHangsEndsTheRunToo)
 {
     service.addOverride("cauthorize2.php", {.hang = true});
-    CliProgram& program = start({QStringLiteral("login")});
+    ChildProgram& program = start({QStringLiteral("login")});
     ASSERT_TRUE(Waiting::until([&] { return service.hanging() == 1; }));
     program.signal(SIGINT);
     ASSERT_TRUE(program.waitForEnd(longestEnd));
@@ -148,7 +148,7 @@ TEST_F(Interruption, whileInspectingEndsTheChild)
     ScriptedFfmpeg ffmpeg;
     ffmpeg.ignoresRequestsToEnd().waitsForRelease(QStringLiteral("reading"));
     environment[QStringLiteral("PATH")].prepend(ffmpeg.file(QString()) + u':');
-    CliProgram& program = startBare({QStringLiteral("inspect"), recording(QStringLiteral("a.wav"))});
+    ChildProgram& program = startBare({QStringLiteral("inspect"), recording(QStringLiteral("a.wav"))});
     ASSERT_TRUE(Waiting::until([&] { return ffmpeg.runningCount() == 1; }));
     program.signal(SIGINT);
     ASSERT_TRUE(program.waitForEnd(longestEnd));

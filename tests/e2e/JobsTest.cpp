@@ -23,7 +23,7 @@ protected:
 
 TEST_F(Jobs, areNoneAtFirst)
 {
-    CliProgram& program = run({QStringLiteral("jobs")});
+    ChildProgram& program = run({QStringLiteral("jobs")});
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_EQ(text(program.standardOutput()), "");
     EXPECT_EQ(text(program.standardError()), "No jobs.\n");
@@ -37,7 +37,7 @@ TEST_F(Jobs, areThoseOfTheServiceAndTheSavedOnes)
     const int elsewhere = service.addServerJob("Roe Richard.txt", 2);
     service.clearRequests();
 
-    CliProgram& json = run({QStringLiteral("jobs"), QStringLiteral("--json")});
+    ChildProgram& json = run({QStringLiteral("jobs"), QStringLiteral("--json")});
     EXPECT_EQ(json.exitCode(), 0);
     const auto jobs = objects(json, QStringLiteral("job"));
     EXPECT_EQ(jobs.size(), 2U);
@@ -57,7 +57,7 @@ TEST_F(Jobs, areThoseOfTheServiceAndTheSavedOnes)
     EXPECT_GT(other.value(QStringLiteral("duration")).toDouble(), 0);
     EXPECT_EQ(objects(json, QStringLiteral("file")).size(), 3U);
 
-    CliProgram& table = run({QStringLiteral("jobs")});
+    ChildProgram& table = run({QStringLiteral("jobs")});
     EXPECT_EQ(table.exitCode(), 0);
     EXPECT_THAT(text(table.outputLines().constFirst()), HasSubstr("STATUS"));
     EXPECT_THAT(text(table.standardOutput()),
@@ -71,7 +71,7 @@ TEST_F(Jobs, thatAreSavedAreListedWithoutTheService)
     service.addOverride("jobdetails.php", {.reply = "later"});
     EXPECT_EQ(run(order({recording(QStringLiteral("a.wav"))})).exitCode(), 3);
     service.addOverride("checkstatus.php", {.status = 500});
-    CliProgram& program = run({QStringLiteral("jobs")});
+    ChildProgram& program = run({QStringLiteral("jobs")});
     EXPECT_EQ(program.exitCode(), 3);
     EXPECT_THAT(text(program.standardError()), HasSubstr("The status cannot be asked for: cURL error( 22, "));
     EXPECT_THAT(text(program.standardOutput()), ContainsRegex("saved +Doe-Jane-2026-03-04\\.txt\n"));

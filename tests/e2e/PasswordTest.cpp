@@ -37,10 +37,10 @@ protected:
         return found;
     }
 
-    CliProgram& startAsking()
+    ChildProgram& startAsking()
     {
         environment.remove(QStringLiteral("QUILLPOST_PASSWORD"));
-        CliProgram& program = start({QStringLiteral("login")}, CliProgram::Terminal::ForQuestions);
+        ChildProgram& program = start({QStringLiteral("login")}, ChildProgram::Terminal::ForQuestions);
         EXPECT_TRUE(Waiting::until([&] { return program.shown().contains(QStringLiteral("Password of demo: ")); }))
             << text(program.shown());
         return program;
@@ -54,7 +54,7 @@ TEST_F(Password, isNowhereButOnTheWire)
     setRarePassword();
     // An upload that is refused leaves a saved job and a log full of replies.
     service.addOverride("test_custupload2.php", {.reply = "DISK FULL"});
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav"))}) + QStringList{QStringLiteral("--verbose")});
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav"))}) + QStringList{QStringLiteral("--verbose")});
     EXPECT_EQ(program.exitCode(), 3);
     EXPECT_TRUE(QFile::exists(stateFile()));
     EXPECT_GE(service.logs().size(), 1U);
@@ -81,7 +81,7 @@ TEST_F(Password, isNotHandedToTheProgramsThatAreStarted)
 
 TEST_F(Password, isAskedOnTheTerminalWithoutEcho)
 {
-    CliProgram& program = startAsking();
+    ChildProgram& program = startAsking();
     EXPECT_FALSE(program.isEchoing());
     program.type("demo1234\n");
     waitForEnd(program);
@@ -93,7 +93,7 @@ TEST_F(Password, isAskedOnTheTerminalWithoutEcho)
 
 TEST_F(Password, thatIsEmptyOnTheTerminalIsNone)
 {
-    CliProgram& program = startAsking();
+    ChildProgram& program = startAsking();
     program.type("\n");
     waitForEnd(program);
     EXPECT_EQ(program.exitCode(), 1);
@@ -102,7 +102,7 @@ TEST_F(Password, thatIsEmptyOnTheTerminalIsNone)
 
 TEST_F(Password, questionIsLeftByCtrlC)
 {
-    CliProgram& program = startAsking();
+    ChildProgram& program = startAsking();
     program.type("\x03");
     waitForEnd(program);
     EXPECT_EQ(program.exitCode(), 130);
@@ -113,7 +113,7 @@ TEST_F(Password, questionIsLeftByCtrlC)
 
 TEST_F(Password, questionIsLeftByTermination)
 {
-    CliProgram& program = startAsking();
+    ChildProgram& program = startAsking();
     program.signal(SIGTERM);
     waitForEnd(program);
     EXPECT_EQ(program.exitCode(), 130);
@@ -123,7 +123,7 @@ TEST_F(Password, questionIsLeftByTermination)
 TEST_F(Password, thatIsNowhereToBeHadIsWrongUse)
 {
     environment.remove(QStringLiteral("QUILLPOST_PASSWORD"));
-    CliProgram& program = run({QStringLiteral("login")});
+    ChildProgram& program = run({QStringLiteral("login")});
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_THAT(text(program.standardError()), HasSubstr("QUILLPOST_PASSWORD"));
     EXPECT_TRUE(service.requests().empty());
@@ -131,7 +131,7 @@ TEST_F(Password, thatIsNowhereToBeHadIsWrongUse)
 
 TEST_F(Password, isNoOption)
 {
-    CliProgram& program = run({QStringLiteral("login"), QStringLiteral("--password"), QStringLiteral("demo1234")});
+    ChildProgram& program = run({QStringLiteral("login"), QStringLiteral("--password"), QStringLiteral("demo1234")});
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_TRUE(service.requests().empty());
 }

@@ -25,7 +25,7 @@ protected:
 
 TEST_F(Resume, withoutSavedJobsIsDoneAtOnce)
 {
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_EQ(text(program.standardError()), "No saved jobs.\n");
 }
@@ -36,7 +36,7 @@ TEST_F(Resume, worksUntilAllSavedJobsAreCompleted)
     service.addOverride("jobdetails.php", {.reply = "later"});
     EXPECT_EQ(run(order({recording(QStringLiteral("b.wav"))})).exitCode(), 3);
     service.clearOverrides();
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     EXPECT_THAT(text(program.standardOutput()), HasSubstr("Job 883 is completed"));
     EXPECT_THAT(text(program.standardOutput()), HasSubstr("Job 884 is completed"));
@@ -50,7 +50,7 @@ TEST_F(Resume, ofAJobThatStopsAgainIsAServiceError)
 {
     leaveAJob(QStringLiteral("a.wav"));
     service.addOverride("test_custupload2.php", {.reply = "DISK FULL"});
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 3);
     EXPECT_THAT(text(program.standardError()), HasSubstr("DISK FULL"));
     EXPECT_TRUE(QFile::exists(stateFile()));
@@ -66,7 +66,7 @@ TEST_F(Resume, completesTheOtherJobsWhereOneStops)
     service.clearOverrides();
     ASSERT_TRUE(QFile::remove(vanishing));
 
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 3);
     EXPECT_THAT(text(program.standardError()), HasSubstr(" cannot go on: "));
     int delivered = 0;
@@ -79,7 +79,7 @@ TEST_F(Resume, completesTheOtherJobsWhereOneStops)
 TEST_F(Resume, ofASavedListThatCannotBeReadIsNoCrash)
 {
     writeFile(QStringLiteral("temp/State_demo.archive"), "{ not JSON \xff");
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_THAT(text(program.standardError()), HasSubstr("No saved jobs."));
 }
@@ -87,9 +87,9 @@ TEST_F(Resume, ofASavedListThatCannotBeReadIsNoCrash)
 TEST_F(Resume, saysWhoWorksOnTheSavedJobs)
 {
     service.addOverride("jobdetails.php", {.hang = true});
-    CliProgram& first = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& first = start(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_TRUE(Waiting::until([this] { return service.hanging() == 1; }));
-    CliProgram& second = run({QStringLiteral("resume")});
+    ChildProgram& second = run({QStringLiteral("resume")});
     EXPECT_EQ(second.exitCode(), 1);
     EXPECT_THAT(text(second.standardError()), HasSubstr("are being worked on by quillpost-cli (process "));
     EXPECT_EQ(service.count("cauthorize2.php"), 1) << "Nothing is sent before the jobs are its own.";
@@ -111,7 +111,7 @@ TEST_F(Resume, endsWithAJobThatAnotherProgramDelivered)
 {
     leaveAJob(QStringLiteral("a.wav"));
     service.holdWord(883, "Done");
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_EQ(program.exitCode(), 3);
     EXPECT_THAT(text(program.standardError()), HasSubstr("Job 883 cannot go on: it was delivered already, by another"));
 }
@@ -120,7 +120,7 @@ TEST_F(Resume, keepsSavedJobsThatCannotBeReadAndSaysSo)
 {
     const QByteArray damaged = R"({"version": 1, "jobs": [{"transcriptFile")";
     writeFile(QStringLiteral("temp/State_demo.archive"), damaged);
-    CliProgram& program = run({QStringLiteral("resume")});
+    ChildProgram& program = run({QStringLiteral("resume")});
     EXPECT_THAT(text(program.standardError()), HasSubstr("cannot be read"));
     const QDir folder(path(QStringLiteral("temp")));
     const QStringList kept = folder.entryList({QStringLiteral("State_demo.archive.unreadable *")});

@@ -23,8 +23,8 @@ protected:
 
 TEST_F(SubmitOutput, isOneObjectALineForEveryChange)
 {
-    CliProgram& program = run(QStringList{QStringLiteral("--json")} +
-                              order({recording(QStringLiteral("a.wav")), recording(QStringLiteral("b.wav"))}));
+    ChildProgram& program = run(QStringList{QStringLiteral("--json")} +
+                                order({recording(QStringLiteral("a.wav")), recording(QStringLiteral("b.wav"))}));
     ASSERT_EQ(program.exitCode(), 0) << text(program.standardError());
     const auto all = objects(program);
     for (std::size_t i = 1; i < all.size(); ++i)
@@ -59,7 +59,7 @@ TEST_F(SubmitOutput, numbersTheSegmentsOfTheServicesJobsAsTheServiceDoes)
     const int other = service.addServerJob("Roe-Richard.txt", 3);
     ASSERT_TRUE(service.holdWord(other, "Splitting"));
     service.addOverride("jobdetails.php", {.status = 200, .reply = "no", .delay = std::chrono::milliseconds(500)});
-    CliProgram& program = run(QStringList{QStringLiteral("--json")} + order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = run(QStringList{QStringLiteral("--json")} + order({recording(QStringLiteral("a.wav"))}));
     std::set<std::pair<QString, int>> files;
     for (const QJsonObject& object : objects(program, QStringLiteral("file"))) {
         if (object.value(QStringLiteral("serverJob")).toBool())
@@ -72,7 +72,7 @@ TEST_F(SubmitOutput, numbersTheSegmentsOfTheServicesJobsAsTheServiceDoes)
 
 TEST_F(SubmitOutput, isPlainLinesWithoutATerminal)
 {
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav"))}));
     ASSERT_EQ(program.exitCode(), 0);
     EXPECT_THAT(text(program.standardOutput()), Not(HasSubstr("\x1b")));
     EXPECT_THAT(text(program.standardOutput()), HasSubstr("\n  1. a.wav: Uploading files"));
@@ -83,7 +83,7 @@ TEST_F(SubmitOutput, isPlainLinesWithoutATerminal)
 
 TEST_F(SubmitOutput, isDrawnOverItselfOnATerminal)
 {
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}), CliProgram::Terminal::ForAll);
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}), ChildProgram::Terminal::ForAll);
     waitForEnd(program);
     EXPECT_EQ(program.exitCode(), 0);
     const QString shown = program.shown();
@@ -98,10 +98,10 @@ TEST_F(SubmitOutput, isDrawnOverItselfOnATerminal)
 TEST_F(SubmitOutput, namesTheKnownOnesForAnUnknownFormatOrLevel)
 {
     const QString file = recording(QStringLiteral("a.wav"));
-    CliProgram& format = run(order({file}) + QStringList{QStringLiteral("--format"), QStringLiteral("PDF")});
+    ChildProgram& format = run(order({file}) + QStringList{QStringLiteral("--format"), QStringLiteral("PDF")});
     EXPECT_EQ(format.exitCode(), 1);
     EXPECT_THAT(text(format.standardError()), HasSubstr("RealLegal XML, PTF/VID"));
-    CliProgram& level = run(order({file}) + QStringList{QStringLiteral("--level"), QStringLiteral("Man96")});
+    ChildProgram& level = run(order({file}) + QStringList{QStringLiteral("--level"), QStringLiteral("Man96")});
     EXPECT_EQ(level.exitCode(), 1);
     EXPECT_THAT(text(level.standardError()), HasSubstr("AutoSync, Man24, Man48, Man72, Unattended"));
     EXPECT_TRUE(service.requests().empty());

@@ -22,7 +22,7 @@ protected:
     }
 
     // Holds the job back after its registration: for tests of the registration alone.
-    CliProgram& submitNoFurtherThanRegistration(const QStringList& options)
+    ChildProgram& submitNoFurtherThanRegistration(const QStringList& options)
     {
         service.addOverride("add_segment.php", {.reply = "NO", .times = 1});
         return run(order({recording(QStringLiteral("a.wav"))}) + options);
@@ -36,7 +36,7 @@ TEST_F(Submit, takesAJobToItsDeliveredFiles)
     // Given in the wrong order and with letter case that would sort the other way.
     const QString second = recording(QStringLiteral("b-part.wav"), 2);
     const QString first = recording(QStringLiteral("A-part.mp3"), 1);
-    CliProgram& program = run(order({second, first}));
+    ChildProgram& program = run(order({second, first}));
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     EXPECT_EQ(text(program.standardError()), "");
     EXPECT_THAT(service.refusals(), ElementsAre());
@@ -72,7 +72,7 @@ TEST_F(Submit, takesAJobToItsDeliveredFiles)
 
 TEST_F(Submit, sendsWhatTheOptionsSayRatherThanWhatTheTranscriptSays)
 {
-    CliProgram& program = submitNoFurtherThanRegistration(
+    ChildProgram& program = submitNoFurtherThanRegistration(
         {QStringLiteral("--first"), QStringLiteral("J.R."), QStringLiteral("--last"), QStringLiteral("Müller & Sohn"),
          QStringLiteral("--date"), QStringLiteral("2024-12-30"), QStringLiteral("--caption"),
          QStringLiteral("Doe \"v\" Rail = 5%"), QStringLiteral("--format"), QStringLiteral("reallegal xml")});
@@ -87,8 +87,9 @@ TEST_F(Submit, sendsWhatTheOptionsSayRatherThanWhatTheTranscriptSays)
 
 TEST_F(Submit, sendsRushAndInterpreterWithTheLevelThatGoesWithThem)
 {
-    CliProgram& program = submitNoFurtherThanRegistration({QStringLiteral("--level"), QStringLiteral("man48"),
-                                                           QStringLiteral("--rush"), QStringLiteral("--interpreter")});
+    ChildProgram& program =
+        submitNoFurtherThanRegistration({QStringLiteral("--level"), QStringLiteral("man48"), QStringLiteral("--rush"),
+                                         QStringLiteral("--interpreter")});
     EXPECT_EQ(detail("rush"), "1");
     EXPECT_EQ(detail("translation"), "1");
     EXPECT_EQ(detail("autoSyncOnly"), "0");
@@ -107,8 +108,8 @@ TEST_F(Submit, sendsTheLevelThatWasNamed)
 TEST_F(Submit, doesNotOrderALevelThatTheServiceDoesNotOffer)
 {
     service.setRates({.unattended = {0, 10}});
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav"))}) +
-                              QStringList{QStringLiteral("--level"), QStringLiteral("Unattended")});
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav"))}) +
+                                QStringList{QStringLiteral("--level"), QStringLiteral("Unattended")});
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_THAT(text(program.standardError()), HasSubstr("does not offer this account the Unattended level"));
     EXPECT_EQ(service.count("jobdetails.php"), 0);
@@ -117,8 +118,8 @@ TEST_F(Submit, doesNotOrderALevelThatTheServiceDoesNotOffer)
 TEST_F(Submit, doesNotOrderTheLogFormatWhereItIsNotOffered)
 {
     service.setLogFormat(false);
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav"))}) +
-                              QStringList{QStringLiteral("--format"), QStringLiteral("LOG")});
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav"))}) +
+                                QStringList{QStringLiteral("--format"), QStringLiteral("LOG")});
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_THAT(text(program.standardError()), HasSubstr("LOG format"));
     EXPECT_EQ(service.count("is_fti.php"), 1);
@@ -134,7 +135,7 @@ TEST_F(Submit, ordersTheLogFormatWhereItIsOffered)
 TEST_F(Submit, sendsNothingForFilesThatCannotBeTaken)
 {
     const QString missing = path(QStringLiteral("files/missing.wav"));
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav")), missing}));
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav")), missing}));
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_THAT(text(program.standardError()), HasSubstr(text(missing)));
     EXPECT_TRUE(service.requests().empty());
@@ -144,7 +145,7 @@ TEST_F(Submit, sendsNothingWhenAFolderCannotBeMade)
 {
     const QString inTheWay = writeFile(QStringLiteral("in-the-way"), "a file");
     ASSERT_TRUE(QFile::link(inTheWay, deliveryFolder()));
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav"))}));
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_THAT(text(program.standardError()), HasSubstr("The delivery folder: "));
     EXPECT_TRUE(service.requests().empty());
@@ -156,7 +157,7 @@ TEST_F(Submit, carriesAwkwardNamesThereAndBack)
     ASSERT_TRUE(QFile::copy(transcript(), copy));
     const QString film = recording(QStringLiteral("Tape \"1\" & [Zürich] 'x' Error.wav"));
     const QString dash = recording(QStringLiteral("-leading dash;=%20.wav"));
-    CliProgram& program =
+    ChildProgram& program =
         run({QStringLiteral("submit"), QStringLiteral("--transcript"), copy, QStringLiteral("--media"), film, dash});
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
     EXPECT_THAT(service.refusals(), ElementsAre());
@@ -177,7 +178,7 @@ TEST_F(Submit, worksOnWhenTheSettingsFileHasLimitsBelowOne)
     defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, 0);
     defaults().setValue(SettingsKey::MaxNumberOfUploads, -3);
     defaults().synchronize();
-    CliProgram& program = run(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = run(order({recording(QStringLiteral("a.wav"))}));
     EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
 }
 
@@ -186,7 +187,7 @@ TEST_F(Submit, preparesASegmentAgainWhenTheServiceAsksForIt)
     // The turnaround leaves time to ask.
     service.setTurnaround(std::chrono::milliseconds(1500));
     service.addOverride("get_rates2.php", {.status = 200, .reply = "not JSON", .times = 1});
-    CliProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
+    ChildProgram& program = start(order({recording(QStringLiteral("a.wav"))}));
     const int firstDepo = DemoService::Options().firstDepoNumber;
     ASSERT_TRUE(Waiting::until([&] {
         const auto job = service.job(firstDepo);

@@ -9,9 +9,10 @@
 #include <chrono>
 #include <sys/types.h>
 
-// One run of quillpost-cli as a child process in a session of its own: without a terminal, or on a pseudo terminal.
-// Its output is read from files, or from the terminal while waiting. Main thread; the destructor kills what still runs.
-class CliProgram
+// One run of a program, quillpost-cli unless told otherwise, as a child process in a session of its own: without a
+// terminal, or on a pseudo terminal. Its output is read from files, or from the terminal while waiting. Main thread;
+// the destructor kills what still runs.
+class ChildProgram
 {
 public:
     enum class Terminal {
@@ -22,10 +23,10 @@ public:
         ForAll
     };
 
-    CliProgram();
-    ~CliProgram();
-    CliProgram(const CliProgram&) = delete;
-    CliProgram& operator=(const CliProgram&) = delete;
+    explicit ChildProgram(const QString& program = QStringLiteral(CLI_PROGRAM));
+    ~ChildProgram();
+    ChildProgram(const ChildProgram&) = delete;
+    ChildProgram& operator=(const ChildProgram&) = delete;
 
     // The environment is these variables and nothing else.
     void start(const QStringList& arguments, const QMap<QString, QString>& environment,
@@ -51,6 +52,7 @@ private:
     [[nodiscard]] QString file(const QString& name) const { return m_folder.filePath(name); }
     void openTerminal();
 
+    const QString m_program;
     QTemporaryDir m_folder;
     pid_t m_processId = -1;
     int m_exitCode = -1;

@@ -1,4 +1,4 @@
-#include "CliProgram.h"
+#include "ChildProgram.h"
 
 #include "support/Waiting.h"
 
@@ -44,12 +44,12 @@ QString contents(const QString& path)
 
 } // namespace
 
-CliProgram::CliProgram()
+ChildProgram::ChildProgram(const QString& program) : m_program(program)
 {
     EXPECT_TRUE(m_folder.isValid());
 }
 
-CliProgram::~CliProgram()
+ChildProgram::~ChildProgram()
 {
     if (m_processId > 0 && !hasEnded()) {
         ::kill(m_processId, SIGKILL);
@@ -61,7 +61,7 @@ CliProgram::~CliProgram()
         ::close(m_terminalOfChild);
 }
 
-void CliProgram::openTerminal()
+void ChildProgram::openTerminal()
 {
     const winsize size{.ws_row = 40, .ws_col = 100, .ws_xpixel = 0, .ws_ypixel = 0};
     ASSERT_EQ(::openpty(&m_terminal, &m_terminalOfChild, nullptr, nullptr, &size), 0);
@@ -70,12 +70,12 @@ void CliProgram::openTerminal()
     ::fcntl(m_terminal, F_SETFL, O_NONBLOCK);
 }
 
-void CliProgram::start(const QStringList& arguments, const QMap<QString, QString>& environment, Terminal terminal)
+void ChildProgram::start(const QStringList& arguments, const QMap<QString, QString>& environment, Terminal terminal)
 {
     QStringList variables;
     for (const auto& [name, value] : environment.asKeyValueRange())
         variables << name + u'=' + value;
-    const TextPointers argumentPointers(QStringList{QStringLiteral(CLI_PROGRAM)} + arguments);
+    const TextPointers argumentPointers(QStringList{m_program} + arguments);
     const TextPointers variablePointers(variables);
 
     posix_spawn_file_actions_t actions;
@@ -104,14 +104,14 @@ void CliProgram::start(const QStringList& arguments, const QMap<QString, QString
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-    EXPECT_EQ(
-        posix_spawn(&m_processId, CLI_PROGRAM, &actions, &attributes, argumentPointers.data(), variablePointers.data()),
-        0);
+    EXPECT_EQ(posix_spawnp(&m_processId, m_program.toUtf8().constData(), &actions, &attributes, argumentPointers.data(),
+                           variablePointers.data()),
+              0);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
 }
 
-bool CliProgram::hasEnded()
+bool ChildProgram::hasEnded()
 {
     if (m_exitCode >= 0)
         return true;
@@ -122,7 +122,7 @@ bool CliProgram::hasEnded()
     return true;
 }
 
-bool CliProgram::waitForEnd(std::chrono::milliseconds limit)
+bool ChildProgram::waitForEnd(std::chrono::milliseconds limit)
 {
     return Waiting::until(
         [this] {
@@ -133,27 +133,27 @@ bool CliProgram::waitForEnd(std::chrono::milliseconds limit)
         limit);
 }
 
-void CliProgram::signal(int number) const
+void ChildProgram::signal(int number) const
 {
     ::kill(m_processId, number);
 }
 
-QString CliProgram::standardOutput() const
+QString ChildProgram::standardOutput() const
 {
     return contents(file(QStringLiteral("out")));
 }
 
-QStringList CliProgram::outputLines() const
+QStringList ChildProgram::outputLines() const
 {
     return standardOutput().split(u'\n', Qt::SkipEmptyParts);
 }
 
-QString CliProgram::standardError() const
+QString ChildProgram::standardError() const
 {
     return contents(file(QStringLiteral("err")));
 }
 
-QString CliProgram::shown()
+QString ChildProgram::shown()
 {
     char bytes[4096];
     ssize_t count = 0;
@@ -162,12 +162,12 @@ QString CliProgram::shown()
     return QString::fromUtf8(m_shown);
 }
 
-void CliProgram::type(const QByteArray& keys) const
+void ChildProgram::type(const QByteArray& keys) const
 {
     EXPECT_EQ(::write(m_terminal, keys.constData(), static_cast<std::size_t>(keys.size())), keys.size());
 }
 
-bool CliProgram::isEchoing() const
+bool ChildProgram::isEchoing() const
 {
     termios settings{};
     EXPECT_EQ(::tcgetattr(m_terminal, &settings), 0);
