@@ -1,5 +1,6 @@
 #include "ui/submit/MediaFilesModel.h"
 
+#include "ui/controls/PlainText.h"
 #include "ui/submit/ChangeRelay.h"
 #include "ui/submit/RateTexts.h"
 
@@ -41,7 +42,7 @@ QVariant MediaFilesModel::data(const QModelIndex& index, int role) const
     if (role == Qt::TextAlignmentRole && index.column() != Name)
         return QVariant::fromValue(Qt::Alignment(Qt::AlignRight | Qt::AlignVCenter));
     if (role == Qt::ToolTipRole)
-        return file->sourceFilePath().toHtmlEscaped();
+        return PlainText::toolTip(file->sourceFilePath());
     if (role != Qt::DisplayRole)
         return {};
     switch (index.column()) {

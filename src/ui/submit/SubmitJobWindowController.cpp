@@ -132,13 +132,15 @@ void SubmitJobWindowController::deliveryFormatChanged()
     refreshCanSubmitJob();
 }
 
-QList<SubmitJobWindowController::DeliveryFormatItem> SubmitJobWindowController::deliveryFormats()
+QList<SubmitJobWindowController::DeliveryFormatItem> SubmitJobWindowController::deliveryFormats() const
 {
     QList<DeliveryFormatItem> items;
     for (int format = DeliveryFormatAll; format <= DeliveryFormatCustom; ++format)
-        items.append({format, deliveryFormatName(format)});
+        items.append({format, deliveryFormatName(format), isDeliveryFormatSelectable(format)});
     items.first().title = tr("All formats");
     items.last().title = tr("Custom");
+    if (!m_isLOGDeliveryFormatAvailable)
+        items[DeliveryFormatLOG].title = tr("LOG (not offered to you)");
     return items;
 }
 

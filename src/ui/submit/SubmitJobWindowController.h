@@ -108,8 +108,9 @@ public:
     {
         int deliveryFormat = 0;
         QString title;
+        bool isSelectable = true;
     };
-    [[nodiscard]] static QList<DeliveryFormatItem> deliveryFormats();
+    [[nodiscard]] QList<DeliveryFormatItem> deliveryFormats() const;
     [[nodiscard]] bool isDeliveryFormatSelectable(int format) const;
 
     // A row of both matrices: the choice with its tag, and the price beside it.
