@@ -71,26 +71,30 @@ Q_SIGNALS:
 private:
     using Node = JobListNode;
     using Nodes = std::vector<std::unique_ptr<JobListNode>>;
+    using RowIds = std::unordered_set<RowChanges::RowId>;
 
     [[nodiscard]] static Node* nodeOf(const QModelIndex& index);
-    [[nodiscard]] QModelIndex indexOf(const Node& node, int column = 0) const;
+    [[nodiscard]] QModelIndex indexOf(const Node* node, int column = 0) const;
+    // Those of the jobs for none.
     [[nodiscard]] Nodes& rowsBelow(Node* parent);
 
     void scheduleAnnouncement();
     [[nodiscard]] std::unique_ptr<Node> makeNode(const std::shared_ptr<MediaObject>& object, Node* parent);
-    [[nodiscard]] std::unique_ptr<Node> makeJobNode(const std::shared_ptr<Job>& job);
-    void forget(Node& node);
+    void forget(const Node& node);
     void followJobs();
     void followMediaFiles(Node& jobNode);
-    void announceRows(const std::unordered_set<RowChanges::RowId>& changed);
-    void announceSpans(Node* parent, const std::unordered_set<RowChanges::RowId>& changed);
+    void followRows(Node* parent, const QList<std::shared_ptr<MediaObject>>& objects);
     void appendRows(Node* parent, Nodes added);
-    void removeRowsExcept(Node* parent, const std::unordered_set<const MediaObject*>& kept);
-    void rearrange(const std::function<void()>& move);
+    void removeRowsBut(Node* parent, const std::unordered_set<const MediaObject*>& kept);
+    void removeSpan(Node* parent, int first, int last);
+    void announceRows(const RowIds& changed);
+    void announceSpans(const std::vector<Node*>& nodes);
+    [[nodiscard]] std::vector<Node*> arranged(const RowIds& ids, bool areJobs) const;
+
     void renewSortValue(Node& node);
-    [[nodiscard]] bool isInOrder(const Nodes& rows) const;
-    void sortRows(Nodes& rows);
-    void sortAll();
+    void sortIfNeeded();
+    // Moves rows with `move`, and with them every index that somebody keeps.
+    void rearrange(const std::function<void()>& move);
 
     JobModel& m_jobModel;
     const std::shared_ptr<RowChanges> m_changes = std::make_shared<RowChanges>();
@@ -98,10 +102,10 @@ private:
     std::unordered_map<RowChanges::RowId, Node*> m_nodes;
     RowChanges::RowId m_lastId = 0;
     bool m_haveJobsChanged = false;
-    bool m_isOrderInDoubt = false;
 
     int m_sortColumn = -1;
     Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+    bool m_isOrderInDoubt = false;
 
     std::chrono::milliseconds m_interval{200};
     QTimer m_timer;

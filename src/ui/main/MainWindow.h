@@ -5,15 +5,13 @@
 #include <memory>
 
 class MainWindowController;
-class QModelIndex;
-class QMenu;
 
 namespace Ui {
 class MainWindow;
 }
 
-// The main window. Closing it asks nothing and ends nothing: who wants a word there filters its close event. The
-// controller must outlive it.
+// The main window. Closing it asks nothing and ends nothing: who wants a word there filters its close event. It keeps
+// its place and its columns in the user's settings. The controller must outlive it.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -23,24 +21,24 @@ public:
 
 protected:
     void hideEvent(QHideEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void setUpList();
+    void setUpDelegates();
     void setUpColumns();
     void setUpActions();
     void setUpToolBar();
-    void setUpFooter();
     void bindTexts();
+    void bindRowActions();
+    void sizeFooter();
     void sizeByFont();
-    void showRowMenu(const QPoint& place);
-    void copyJobNumber();
+    void toggleCurrentRow();
     void showAbout();
-    bool handleDrag(QEvent& event);
-    void saveLook();
+    void saveLook() const;
 
     MainWindowController& m_controller;
     const std::unique_ptr<Ui::MainWindow> m_ui;
-    QMenu* m_columnsMenu = nullptr; // owned by the menu bar
 };

@@ -1,0 +1,176 @@
+#include "ui/main/JobListValues.h"
+
+#include "foundation/Text.h"
+#include "model/DeliveryFormat.h"
+#include "model/Job.h"
+#include "ui/controls/PlainText.h"
+#include "ui/transformers/ValueTransformers.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("JobListValues", text);
+}
+
+template <typename Value>
+QVariant variant(const std::optional<Value>& value)
+{
+    return value ? QVariant(*value) : QVariant();
+}
+
+QVariant transformed(const char* name, const QVariant& value)
+{
+    const ValueTransformer* const transformer = ValueTransformers::named(QString::fromLatin1(name));
+    return transformer ? transformer->transformedValue(value) : QVariant();
+}
+
+QVariant duration(const MediaObject& object)
+{
+    if (const auto* job = qobject_cast<const Job*>(&object))
+        return variant(job->totalMediaDuration());
+    if (const auto* mediaFile = qobject_cast<const MediaFile*>(&object))
+        return variant(mediaFile->sourceDuration());
+    return {};
+}
+
+QVariant deliveryFormat(const MediaObject& object)
+{
+    const auto* job = qobject_cast<const Job*>(&object);
+    return job ? QVariant(deliveryFormatName(job->deliveryFormat())) : QVariant();
+}
+
+// The file behind the row, where it is on this disk.
+QString filePath(const MediaObject& object)
+{
+    if (const auto* job = qobject_cast<const Job*>(&object))
+        return job->transcriptFile();
+    const auto* mediaFile = qobject_cast<const MediaFile*>(&object);
+    return mediaFile && !mediaFile->isServerMediaFile() ? mediaFile->sourceFilePath() : QString();
+}
+
+} // namespace
+
+QString JobListValues::title(const MediaObject& object)
+{
+    const auto* job = qobject_cast<const Job*>(&object);
+    return job && job->rush() ? Text::format("(Rush) {}", object.name()) : object.name();
+}
+
+QString JobListValues::imageName(const MediaObject& object)
+{
+    return qobject_cast<const Job*>(&object) ? QStringLiteral("TextIcon") : QStringLiteral("SoundIcon");
+}
+
+bool JobListValues::isProgressVisible(const MediaObject& object)
+{
+    return transformed("StatusToProgressVisibilityTransformer", object.status()).toBool();
+}
+
+double JobListValues::fractionDone(const MediaObject& object)
+{
+    const double total = object.totalValue().value_or(0);
+    const double fraction = object.processedValue().value_or(0) / total;
+    return std::isfinite(fraction) ? std::clamp(fraction, 0.0, 1.0) : 0.0;
+}
+
+QVariant JobListValues::display(const std::shared_ptr<MediaObject>& object, JobListColumn column)
+{
+    switch (column) {
+    case JobListColumn::Name:
+        return title(*object);
+    case JobListColumn::Status:
+        return transformed("JobStatusToStringTransformer", QVariant::fromValue(object));
+    case JobListColumn::Progress:
+        return variant(object->processedValue());
+    case JobListColumn::Accuracy:
+        return transformed("ScoreToAccuracyTransformer", variant(object->scoreValue()));
+    case JobListColumn::JobNumber:
+        return transformed("MediaObjectToDepoNumTransformer", QVariant::fromValue(object));
+    case JobListColumn::Duration:
+        return transformed("SecondsNumberToHHMMSSStringTransformer", duration(*object));
+    case JobListColumn::DeliveryFormat:
+        return deliveryFormat(*object);
+    }
+    return {};
+}
+
+QVariant JobListValues::underlying(const std::shared_ptr<MediaObject>& object, JobListColumn column)
+{
+    switch (column) {
+    case JobListColumn::Name:
+        return object->name();
+    case JobListColumn::Status:
+        return object->status();
+    case JobListColumn::Progress:
+        return isProgressVisible(*object) ? QVariant(fractionDone(*object)) : QVariant();
+    case JobListColumn::Accuracy:
+        return variant(object->scoreValue());
+    case JobListColumn::JobNumber:
+        return display(object, column);
+    case JobListColumn::Duration:
+        return duration(*object);
+    case JobListColumn::DeliveryFormat:
+        return deliveryFormat(*object);
+    }
+    return {};
+}
+
+QString JobListValues::accessibleText(const std::shared_ptr<MediaObject>& object, JobListColumn column)
+{
+    const QString shown = display(object, column).toString();
+    switch (column) {
+    case JobListColumn::Progress:
+        return isProgressVisible(*object) ? tr("%1 %").arg(static_cast<int>(std::floor(fractionDone(*object) * 100)))
+                                          : QString();
+    case JobListColumn::Accuracy:
+        return shown.isEmpty() ? QString() : tr("Accuracy %1").arg(shown);
+    case JobListColumn::JobNumber:
+        return shown.isEmpty() ? QString() : tr("Job number %1").arg(shown);
+    case JobListColumn::Name:
+    case JobListColumn::Status:
+    case JobListColumn::Duration:
+    case JobListColumn::DeliveryFormat:
+        return shown;
+    }
+    return {};
+}
+
+QString JobListValues::toolTip(const std::shared_ptr<MediaObject>& object, JobListColumn column)
+{
+    QString text = accessibleText(object, column);
+    if (column == JobListColumn::Name) {
+        if (const QString path = filePath(*object); !path.isEmpty())
+            text += u'\n' + path;
+    } else if (column == JobListColumn::Accuracy && !text.isEmpty()) {
+        text = tr("%1 (score %2)").arg(text).arg(object->scoreValue().value_or(0));
+    }
+    return text.isEmpty() ? QString() : PlainText::toolTip(text);
+}
+
+QString JobListValues::columnTitle(JobListColumn column)
+{
+    switch (column) {
+    case JobListColumn::Name:
+        return tr("Name");
+    case JobListColumn::Status:
+        return tr("Status");
+    case JobListColumn::Progress:
+        return tr("Progress");
+    case JobListColumn::Accuracy:
+        return tr("Accuracy");
+    case JobListColumn::JobNumber:
+        return tr("Job Number");
+    case JobListColumn::Duration:
+        return tr("Duration");
+    case JobListColumn::DeliveryFormat:
+        return tr("Delivery Format");
+    }
+    return {};
+}
