@@ -2,7 +2,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
@@ -69,7 +68,9 @@ std::optional<QStringList> QtUserDialogs::choose(QFileDialog& dialog)
     dialog.setObjectName(u"fileDialog"_s);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
-    m_lastFolder = dialog.directory().absolutePath();
+    // Not the folder that the dialog shows: the user may have typed a whole path.
+    const QFileInfo chosen(dialog.selectedFiles().constFirst());
+    m_lastFolder = dialog.fileMode() == QFileDialog::Directory ? chosen.absoluteFilePath() : chosen.absolutePath();
     return dialog.selectedFiles();
 }
 

@@ -1,0 +1,236 @@
+#include "support/Waiting.h"
+#include "ui/controls/BusyIndicator.h"
+#include "ui/controls/ElidedLabel.h"
+#include "ui/controls/EmptyStateOverlay.h"
+#include "ui/controls/QuillpostIcons.h"
+#include "ui/controls/WindowBinding.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QImage>
+#include <QListView>
+#include <QPixmap>
+#include <QSignalSpy>
+#include <QStringListModel>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// How many different colours, nearly, a picture has.
+std::size_t colours(const QImage& image)
+{
+    std::set<QRgb> found;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            found.insert(image.pixel(x, y));
+    }
+    return found.size();
+}
+
+} // namespace
+
+TEST(QuillpostIconsTest, IconsAreDrawnAtEverySize)
+{
+    for (const QIcon& icon :
+         {QuillpostIcons::named(u"TextIcon"_s), QuillpostIcons::named(u"SoundIcon"_s), QuillpostIcons::application()}) {
+        ASSERT_FALSE(icon.isNull());
+        for (const int size : {16, 22, 32, 48, 128, 256}) {
+            const QPixmap pixmap = icon.pixmap(QSize(size, size), 1.0);
+            EXPECT_EQ(pixmap.size(), QSize(size, size));
+            EXPECT_GT(colours(pixmap.toImage()), 2U) << size;
+        }
+    }
+}
+
+TEST(QuillpostIconsTest, IconsAreAsSharpAsTheScreen)
+{
+    const QPixmap pixmap = QuillpostIcons::named(u"TextIcon"_s).pixmap(QSize(16, 16), 2.0);
+    EXPECT_EQ(pixmap.size(), QSize(32, 32));
+    EXPECT_EQ(pixmap.deviceIndependentSize(), QSizeF(16, 16));
+}
+
+TEST(QuillpostIconsTest, TheIconsDiffer)
+{
+    const auto picture = [](const QIcon& icon) { return icon.pixmap(QSize(32, 32), 1.0).toImage(); };
+    EXPECT_NE(picture(QuillpostIcons::named(u"TextIcon"_s)), picture(QuillpostIcons::named(u"SoundIcon"_s)));
+    EXPECT_NE(picture(QuillpostIcons::named(u"TextIcon"_s)), picture(QuillpostIcons::application()));
+}
+
+TEST(QuillpostIconsTest, AnIconOfSomethingDisabledIsFainter)
+{
+    const QIcon icon = QuillpostIcons::named(u"TextIcon"_s);
+    const QImage normal = icon.pixmap(QSize(32, 32), 1.0, QIcon::Normal).toImage();
+    const QImage disabled = icon.pixmap(QSize(32, 32), 1.0, QIcon::Disabled).toImage();
+    EXPECT_LT(qAlpha(disabled.pixel(16, 16)), qAlpha(normal.pixel(16, 16)));
+}
+
+TEST(QuillpostIconsTest, AnUnknownNameIsNoIcon)
+{
+    EXPECT_TRUE(QuillpostIcons::named(u"NoSuchIcon"_s).isNull());
+    EXPECT_TRUE(QuillpostIcons::named(QString()).isNull());
+    EXPECT_TRUE(QuillpostIcons::named(u"../icons/TextIcon"_s).isNull());
+}
+
+TEST(ElidedLabelTest, AShortTextIsShownWholeWithoutATooltip)
+{
+    ElidedLabel label;
+    label.setText(u"/cases/one.txt"_s);
+    label.resize(label.sizeHint());
+    label.show();
+    EXPECT_EQ(label.elidedText(), u"/cases/one.txt"_s);
+    EXPECT_EQ(label.toolTip(), QString());
+}
+
+TEST(ElidedLabelTest, ALongTextLosesItsMiddleAndIsToldWhole)
+{
+    ElidedLabel label;
+    const QString path = u"/cases/"_s + QString(300, u'x') + u"/one.txt"_s;
+    label.setText(path);
+    label.resize(200, 20);
+    label.show();
+    EXPECT_TRUE(label.elidedText().startsWith(u"/cases/x"_s));
+    EXPECT_TRUE(label.elidedText().endsWith(u"/one.txt"_s));
+    EXPECT_LE(label.fontMetrics().horizontalAdvance(label.elidedText()), 200);
+    EXPECT_EQ(label.toolTip(), path);
+    EXPECT_EQ(label.accessibleName(), path);
+    EXPECT_LT(label.minimumSizeHint().width(), 200) << "it never forces its window wide";
+    label.resize(label.sizeHint());
+    EXPECT_EQ(label.elidedText(), path);
+    EXPECT_EQ(label.toolTip(), QString());
+}
+
+TEST(ElidedLabelTest, TheWholeTextIsCopiedFromTheContextMenu)
+{
+    ElidedLabel label;
+    const QString path = u"/cases/"_s + QString(300, u'x') + u"/one.txt"_s;
+    label.setText(path);
+    label.resize(100, 20);
+    EXPECT_EQ(label.contextMenuPolicy(), Qt::ActionsContextMenu);
+    label.findChild<QAction*>(u"copyAction"_s)->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(), path);
+}
+
+TEST(ElidedLabelTest, LineBreaksOfATextAreBlanksOnItsOneLine)
+{
+    ElidedLabel label;
+    label.setText(u"first\nsecond"_s);
+    label.resize(label.sizeHint());
+    EXPECT_EQ(label.elidedText(), u"first second"_s);
+    EXPECT_EQ(label.text(), u"first\nsecond"_s);
+}
+
+TEST(EmptyStateOverlayTest, ItIsThereWhileTheListIsEmpty)
+{
+    QStringListModel model;
+    QListView view;
+    view.setModel(&model);
+    auto* overlay = new EmptyStateOverlay(&view, u"Drop files here."_s);
+    view.show();
+    EXPECT_TRUE(overlay->isVisible());
+    model.setStringList({u"one"_s});
+    EXPECT_FALSE(overlay->isVisible());
+    model.removeRow(0);
+    EXPECT_TRUE(overlay->isVisible());
+    model.insertRow(0);
+    EXPECT_FALSE(overlay->isVisible());
+}
+
+TEST(EmptyStateOverlayTest, ItFollowsTheViewsSizeAndAnotherModel)
+{
+    QStringListModel empty;
+    QStringListModel full({u"one"_s});
+    QListView view;
+    view.setModel(&empty);
+    auto* overlay = new EmptyStateOverlay(&view, u"Drop files here."_s);
+    view.show();
+    view.resize(431, 257);
+    EXPECT_EQ(overlay->geometry(), view.viewport()->rect());
+    view.setModel(&full);
+    EXPECT_TRUE(Waiting::until([&] { return !overlay->isVisible(); }));
+    full.setStringList({});
+    EXPECT_TRUE(overlay->isVisible());
+}
+
+TEST(EmptyStateOverlayTest, ClicksPassThroughIt)
+{
+    QStringListModel model;
+    QListView view;
+    view.setModel(&model);
+    const auto* overlay = new EmptyStateOverlay(&view, u"<b>plain</b>"_s);
+    view.show();
+    EXPECT_EQ(view.childAt(view.viewport()->geometry().center()), view.viewport());
+    EXPECT_EQ(overlay->textFormat(), Qt::PlainText);
+}
+
+TEST(BusyIndicatorTest, ItTurnsOnlyWhileItRunsAndCanBeSeen)
+{
+    BusyIndicator indicator;
+    indicator.show();
+    EXPECT_FALSE(indicator.isTurning());
+    indicator.setRunning(true);
+    EXPECT_TRUE(indicator.isTurning());
+    indicator.hide();
+    EXPECT_FALSE(indicator.isTurning());
+    EXPECT_TRUE(indicator.isRunning());
+    indicator.show();
+    EXPECT_TRUE(indicator.isTurning());
+    indicator.setRunning(false);
+    EXPECT_FALSE(indicator.isTurning());
+}
+
+TEST(BusyIndicatorTest, ItIsDrawnAndTurnsAndSaysThatItIsBusy)
+{
+    BusyIndicator indicator;
+    indicator.resize(24, 24);
+    indicator.show();
+    const QImage idle = indicator.grab().toImage();
+    QSignalSpy changed(&indicator, &BusyIndicator::runningChanged);
+    indicator.setRunning(true);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(indicator.accessibleName(), u"Busy"_s);
+    const QImage first = indicator.grab().toImage();
+    EXPECT_NE(first, idle);
+    EXPECT_TRUE(Waiting::until([&] { return indicator.grab().toImage() != first; }));
+    indicator.setRunning(false);
+    EXPECT_EQ(indicator.grab().toImage(), idle);
+    EXPECT_EQ(indicator.accessibleName(), QString());
+}
+
+TEST(WindowBindingTest, TheControllerShowsAndClosesItsWindow)
+{
+    WindowController controller;
+    QWidget window;
+    WindowBinding::bind(controller, window);
+    controller.showWindow();
+    EXPECT_TRUE(window.isVisible());
+    controller.close();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST(WindowBindingTest, AMinimisedWindowIsRestored)
+{
+    WindowController controller;
+    QWidget window;
+    WindowBinding::bind(controller, window);
+    window.showMinimized();
+    controller.showWindow();
+    EXPECT_FALSE(window.isMinimized());
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST(WindowBindingTest, AWindowThatIsGoneIsLeftAlone)
+{
+    WindowController controller;
+    auto window = std::make_unique<QWidget>();
+    WindowBinding::bind(controller, *window);
+    window.reset();
+    controller.showWindow();
+    controller.close();
+    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+}
