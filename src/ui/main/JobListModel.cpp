@@ -63,7 +63,7 @@ JobListModel::Nodes& JobListModel::rowsBelow(Node* parent)
 
 std::shared_ptr<MediaObject> JobListModel::mediaObject(const QModelIndex& index) const
 {
-    return checkIndex(index, CheckIndexOption::IndexIsValid) ? nodeOf(index)->object : nullptr;
+    return index.isValid() ? nodeOf(index)->object : nullptr;
 }
 
 std::shared_ptr<Job> JobListModel::arrangedJob(int row) const

@@ -12,7 +12,8 @@ namespace {
 const QCollator& collator()
 {
     static const QCollator theCollator = [] {
-        QCollator made;
+        // The C locale would compare character by character.
+        QCollator made(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
         made.setNumericMode(true);
         made.setCaseSensitivity(Qt::CaseInsensitive);
         return made;

@@ -178,6 +178,8 @@ void MainWindow::setUpToolBar()
     give(m_ui->preferencesAction, "preferences-system", QStyle::SP_FileDialogDetailedView);
     for (auto* const button : m_ui->toolBar->findChildren<QToolButton*>())
         button->setFocusPolicy(Qt::TabFocus);
+    if (auto* const extension = m_ui->toolBar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button")))
+        extension->setAccessibleName(tr("More"));
 }
 
 void MainWindow::showAbout()

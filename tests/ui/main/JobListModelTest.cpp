@@ -1,0 +1,428 @@
+#include "JobListFixture.h"
+
+#include "support/Waiting.h"
+
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class JobListModelTest : public JobListFixture
+{
+protected:
+    QString shown(int row, JobListColumn column) { return at(row, column).data().toString(); }
+};
+
+} // namespace
+
+TEST_F(JobListModelTest, JobsAreRowsAndTheirFilesRowsBelowThemInTheJobsOrder)
+{
+    const auto smith = addJob(u"Smith"_s);
+    addJob(u"Adams"_s);
+    addFile(*smith, u"b"_s);
+    addFile(*smith, u"a"_s);
+
+    const QAbstractItemModelTester tester(&list());
+    EXPECT_EQ(names(), (QStringList{u"Smith"_s, u"Adams"_s}));
+    EXPECT_EQ(names(at(0)), (QStringList{u"b"_s, u"a"_s}));
+    EXPECT_EQ(names(at(1)), QStringList());
+    EXPECT_EQ(list().parent(at(0, 1, JobListColumn::Name)), at(0));
+    EXPECT_FALSE(list().parent(at(1)).isValid());
+    EXPECT_EQ(list().mediaObject(at(0)), smith);
+    EXPECT_EQ(list().mediaObject({}), nullptr);
+    EXPECT_EQ(list().arrangedJob(0), smith);
+    EXPECT_EQ(list().arrangedJob(2), nullptr);
+    EXPECT_EQ(list().arrangedJob(-1), nullptr);
+}
+
+TEST_F(JobListModelTest, EachColumnShowsTheTransformedValueOfItsProperty)
+{
+    const auto job = addJob(u"Smith"_s, JobStatusConverting);
+    job->setRush(true);
+    job->setScoreValue(87);
+    job->setDepoNum(4711);
+    job->setTotalMediaDuration(3725.7F);
+    job->setDeliveryFormat(DeliveryFormatOstrovaXML);
+    const auto file = addFile(*job, u"tape"_s);
+    file->setStatus(JobStatusOnServer);
+    file->setServerStatus(u"JoinedCMS"_s);
+    file->setSourceDuration(59.F);
+    job->setTotalMediaDuration(3725.7F);
+    list();
+
+    EXPECT_EQ(shown(0, JobListColumn::Name), u"(Rush) Smith"_s);
+    EXPECT_EQ(shown(0, JobListColumn::Accuracy), u"5"_s);
+    EXPECT_EQ(shown(0, JobListColumn::JobNumber), u"4711"_s);
+    EXPECT_EQ(shown(0, JobListColumn::Duration), u"1:02:05"_s);
+    EXPECT_EQ(shown(0, JobListColumn::DeliveryFormat), u"Ostrova XML"_s);
+    EXPECT_EQ(at(0, 0, JobListColumn::Status).data().toString(), u"JoinedCMS"_s);
+    EXPECT_EQ(at(0, 0, JobListColumn::Duration).data().toString(), u"0:00:59"_s);
+
+    job->setStatus(JobStatusConverting);
+    EXPECT_EQ(shown(0, JobListColumn::Status), u"Processing media files"_s);
+}
+
+TEST_F(JobListModelTest, AFileHasNoJobNumberAndNoDeliveryFormat)
+{
+    const auto job = addJob(u"Smith"_s);
+    job->setDepoNum(4711);
+    addFile(*job, u"tape"_s);
+    EXPECT_FALSE(at(0, 0, JobListColumn::JobNumber).data().isValid());
+    EXPECT_FALSE(at(0, 0, JobListColumn::DeliveryFormat).data().isValid());
+}
+
+TEST_F(JobListModelTest, WhatIsNotKnownYetShowsNothing)
+{
+    addJob(u"Smith"_s);
+    for (const auto column : {JobListColumn::Accuracy, JobListColumn::JobNumber, JobListColumn::Duration}) {
+        EXPECT_FALSE(at(0, column).data().isValid());
+        EXPECT_FALSE(at(0, column).data(Qt::AccessibleTextRole).isValid());
+        EXPECT_FALSE(at(0, column).data(Qt::ToolTipRole).isValid());
+    }
+}
+
+TEST_F(JobListModelTest, ProgressGivesItsPairAndIsSeenOnlyWhileSomethingRuns)
+{
+    const auto job = addJob(u"Smith"_s, JobStatusUploading);
+    job->setTotalValue(200);
+    job->setProcessedValue(85);
+    const QModelIndex progress = at(0, JobListColumn::Progress);
+    EXPECT_EQ(progress.data().toDouble(), 85);
+    EXPECT_EQ(progress.data(JobListModel::TotalValueRole).toDouble(), 200);
+    EXPECT_EQ(progress.data(JobListModel::ProcessedValueRole).toDouble(), 85);
+    EXPECT_TRUE(progress.data(JobListModel::ProgressVisibleRole).toBool());
+    EXPECT_EQ(progress.data(Qt::AccessibleTextRole).toString(), u"42 %"_s);
+    EXPECT_EQ(progress.data(Qt::ToolTipRole).toString(), u"42 %"_s);
+
+    job->setStatus(JobStatusUploaded);
+    EXPECT_FALSE(progress.data(JobListModel::ProgressVisibleRole).toBool());
+    EXPECT_FALSE(progress.data(Qt::AccessibleTextRole).isValid());
+}
+
+TEST_F(JobListModelTest, ProgressWithoutATotalOrBeyondItStaysBetweenNothingAndAll)
+{
+    const auto job = addJob(u"Smith"_s, JobStatusConverting);
+    const QModelIndex progress = at(0, JobListColumn::Progress);
+    const auto spoken = [&] { return progress.data(Qt::AccessibleTextRole).toString(); };
+    EXPECT_EQ(spoken(), u"0 %"_s);
+    job->setProcessedValue(5);
+    EXPECT_EQ(spoken(), u"0 %"_s);
+    job->setTotalValue(4);
+    EXPECT_EQ(spoken(), u"100 %"_s);
+    job->setTotalValue(std::nullopt);
+    EXPECT_EQ(spoken(), u"0 %"_s);
+}
+
+TEST_F(JobListModelTest, NumbersAreSpokenWithWhatTheyAre)
+{
+    const auto job = addJob(u"Smith"_s);
+    job->setScoreValue(100);
+    job->setDepoNum(12);
+    EXPECT_EQ(at(0, JobListColumn::Accuracy).data(Qt::AccessibleTextRole).toString(), u"Accuracy 6"_s);
+    EXPECT_EQ(at(0, JobListColumn::Accuracy).data(Qt::ToolTipRole).toString(), u"Accuracy 6 (score 100)"_s);
+    EXPECT_EQ(at(0, JobListColumn::JobNumber).data(Qt::AccessibleTextRole).toString(), u"Job number 12"_s);
+}
+
+TEST_F(JobListModelTest, TheNamesTooltipTellsThePathAndReadsNoMarkup)
+{
+    const auto job = addJob(u"x"_s);
+    job->setTranscriptFile(u"/depositions/Smith.txt"_s);
+    EXPECT_EQ(at(0).data(Qt::ToolTipRole).toString(), u"Smith.txt\n/depositions/Smith.txt"_s);
+    const auto file = addFile(*job, u"<b>Segment</b> 1"_s);
+    list().announceChanges();
+    const QString toolTip = at(0, 0, JobListColumn::Name).data(Qt::ToolTipRole).toString();
+    EXPECT_FALSE(toolTip.contains(u"<b>"_s)) << qPrintable(toolTip);
+    EXPECT_FALSE(toolTip.contains(u"Segment1.abc"_s)) << "the placeholder is no path of the user's";
+}
+
+TEST_F(JobListModelTest, EveryRowHasAnInternalIdOfItsOwn)
+{
+    addJobs(20, 3);
+    std::set<quintptr> ids;
+    for (int row = 0; row < 20; ++row) {
+        ids.insert(at(row).internalId());
+        for (int file = 0; file < 3; ++file)
+            ids.insert(at(row, file, JobListColumn::Name).internalId());
+    }
+    EXPECT_EQ(ids.size(), 80U);
+}
+
+TEST_F(JobListModelTest, EveryColumnHasATitle)
+{
+    std::set<QString> titles;
+    for (int column = 0; column < list().columnCount(); ++column)
+        titles.insert(list().headerData(column, Qt::Horizontal).toString());
+    EXPECT_EQ(titles.size(), static_cast<std::size_t>(jobListColumnCount));
+    EXPECT_FALSE(titles.contains(QString()));
+}
+
+// Changes
+
+TEST_F(JobListModelTest, AChangeIsAnnouncedForItsRowAlone)
+{
+    addJobs(5, 0);
+    Announcements announced(list());
+    engine().jobs()[2]->setServerStatus(u"Split"_s);
+    list().announceChanges();
+    ASSERT_EQ(announced.changed.size(), 1);
+    EXPECT_EQ(announced.span(0), qMakePair(2, 2));
+    EXPECT_EQ(announced.changed.at(0).at(1).toModelIndex().column(), jobListColumnCount - 1);
+    EXPECT_EQ(announced.reset.size() + announced.rearranged.size(), 0);
+}
+
+TEST_F(JobListModelTest, ChangesOfNeighboursAreOneSpanAndManyOfARowAreOne)
+{
+    addJobs(6, 0);
+    Announcements announced(list());
+    const auto jobs = engine().jobs();
+    for (const int row : {4, 1, 2, 1, 1})
+        jobs[static_cast<std::size_t>(row)]->setScoreValue(50);
+    list().announceChanges();
+    ASSERT_EQ(announced.changed.size(), 2);
+    EXPECT_EQ(announced.span(0), qMakePair(1, 2));
+    EXPECT_EQ(announced.span(1), qMakePair(4, 4));
+}
+
+TEST_F(JobListModelTest, SpansOfFilesStayWithinTheirJob)
+{
+    addJobs(2, 2);
+    Announcements announced(list());
+    for (const auto& job : engine().jobs()) {
+        for (const auto& file : job->mediaFiles())
+            file->setScoreValue(50);
+    }
+    list().announceChanges();
+    ASSERT_EQ(announced.changed.size(), 2);
+    EXPECT_EQ(announced.span(0), qMakePair(0, 1));
+    EXPECT_EQ(announced.changed.at(0).at(0).toModelIndex().parent(), at(0));
+    EXPECT_EQ(announced.span(1), qMakePair(0, 1));
+    EXPECT_EQ(announced.changed.at(1).at(0).toModelIndex().parent(), at(1));
+}
+
+TEST_F(JobListModelTest, NothingIsAnnouncedWhenNothingChanged)
+{
+    addJobs(2, 1);
+    Announcements announced(list());
+    list().announceChanges();
+    EXPECT_EQ(announced.all.size(), 0);
+}
+
+TEST_F(JobListModelTest, ChangesAreGatheredAndAnnouncedOnceInAnInterval)
+{
+    const auto job = addJob(u"Smith"_s);
+    JobListModel gathering(engine());
+    gathering.setGatheringInterval(std::chrono::milliseconds(200));
+    Announcements announced(gathering);
+    QElapsedTimer time;
+    time.start();
+    int changes = 0;
+    while (time.elapsed() < 700) {
+        job->setProcessedValue(++changes);
+        Waiting::turnMainLoopFor(std::chrono::milliseconds(1));
+    }
+    EXPECT_GT(changes, 20);
+    EXPECT_GE(announced.changed.size(), 2);
+    EXPECT_LE(announced.changed.size(), 5);
+    ASSERT_TRUE(Waiting::until([&] { return announced.changed.size() == announced.all.size(); }));
+}
+
+TEST_F(JobListModelTest, TheLastOfManyChangesIsAnnouncedByItself)
+{
+    const auto job = addJob(u"Smith"_s);
+    JobListModel gathering(engine());
+    gathering.setGatheringInterval(std::chrono::milliseconds(20));
+    QString seen;
+    QObject::connect(&gathering, &QAbstractItemModel::dataChanged, &gathering,
+                     [&](const QModelIndex& index) { seen = index.data().toString(); });
+    for (const auto& name : {u"A"_s, u"B"_s, u"C"_s}) {
+        job->setName(name);
+        EXPECT_TRUE(Waiting::until([&] { return seen == name; }));
+    }
+}
+
+// Rows that come and go
+
+TEST_F(JobListModelTest, AJobThatComesIsARowAtTheEndWithItsFiles)
+{
+    addJobs(2, 1);
+    const QAbstractItemModelTester tester(&list());
+    Announcements announced(list());
+    auto job = makeJob(u"Smith"_s);
+    addFile(*job, u"tape"_s);
+    engine().addJobsObject(job);
+    EXPECT_EQ(list().rowCount(), 2) << "gathered, not yet announced";
+    list().announceChanges();
+    ASSERT_EQ(announced.inserted.size(), 1);
+    EXPECT_EQ(names(), (QStringList{u"Job 1"_s, u"Job 2"_s, u"Smith"_s}));
+    EXPECT_EQ(names(at(2)), QStringList{u"tape"_s});
+    EXPECT_EQ(announced.reset.size() + announced.rearranged.size(), 0);
+
+    job->setScoreValue(1);
+    list().announceChanges();
+    EXPECT_EQ(announced.changed.size(), 1) << "the new row is followed";
+}
+
+TEST_F(JobListModelTest, AJobThatGoesTakesItsRowsAlong)
+{
+    addJobs(3, 2);
+    const QAbstractItemModelTester tester(&list());
+    Announcements announced(list());
+    const auto gone = engine().jobs()[1];
+    engine().removeJobsObject(gone);
+    list().announceChanges();
+    ASSERT_EQ(announced.removed.size(), 1);
+    EXPECT_EQ(names(), (QStringList{u"Job 1"_s, u"Job 3"_s}));
+
+    gone->setScoreValue(1);
+    gone->mediaFiles().first()->setScoreValue(1);
+    engine().jobs()[1]->setScoreValue(2);
+    list().announceChanges();
+    ASSERT_EQ(announced.changed.size(), 1) << "rows that are gone are changed by nobody";
+    EXPECT_EQ(announced.span(0), qMakePair(1, 1));
+}
+
+TEST_F(JobListModelTest, AJobThatComesAndGoesWithinOneIntervalIsNeverSeen)
+{
+    addJobs(2, 0);
+    Announcements announced(list());
+    const auto job = addJob(u"Smith"_s);
+    engine().removeJobsObject(job);
+    list().announceChanges();
+    EXPECT_EQ(announced.inserted.size() + announced.removed.size(), 0);
+}
+
+TEST_F(JobListModelTest, AJobTakenOutAndPutBackMovesToTheEngineOrdersEnd)
+{
+    addJobs(3, 1);
+    const QAbstractItemModelTester tester(&list());
+    const QPersistentModelIndex first = at(0);
+    const auto job = engine().jobs()[0];
+    engine().removeJobsObject(job);
+    engine().addJobsObject(job);
+    list().announceChanges();
+    EXPECT_EQ(names(), (QStringList{u"Job 2"_s, u"Job 3"_s, u"Job 1"_s}));
+    EXPECT_EQ(first, at(2));
+}
+
+TEST_F(JobListModelTest, FilesComeAndGoBelowTheirJob)
+{
+    addJobs(2, 0);
+    const QAbstractItemModelTester tester(&list());
+    Announcements announced(list());
+    const auto job = engine().jobs()[1];
+    const auto one = addFile(*job, u"one"_s);
+    addFile(*job, u"two"_s);
+    list().announceChanges();
+    ASSERT_EQ(announced.inserted.size(), 1);
+    EXPECT_EQ(announced.inserted.at(0).at(0).toModelIndex(), at(1));
+    EXPECT_EQ(names(at(1)), (QStringList{u"one"_s, u"two"_s}));
+
+    job->removeMediaFilesObject(one);
+    list().announceChanges();
+    ASSERT_EQ(announced.removed.size(), 1);
+    EXPECT_EQ(names(at(1)), QStringList{u"two"_s});
+    EXPECT_EQ(announced.reset.size(), 0);
+}
+
+TEST_F(JobListModelTest, AFilePutOnTopIsShownOnTop)
+{
+    const auto job = addJob(u"Smith"_s);
+    addFile(*job, u"one"_s);
+    const QPersistentModelIndex one = at(0, 0, JobListColumn::Name);
+    const auto second = MediaFile::serverMediaFile(9);
+    second->setName(u"nine"_s);
+    job->addMediaFilesObject(second);
+    list().announceChanges();
+    EXPECT_EQ(names(at(0)), (QStringList{u"nine"_s, u"one"_s}));
+    EXPECT_EQ(one.row(), 1);
+}
+
+TEST_F(JobListModelTest, FilesInAnotherOrderKeepTheirIndexes)
+{
+    const auto job = addJob(u"Smith"_s);
+    for (const auto& name : {u"a"_s, u"b"_s, u"c"_s})
+        addFile(*job, name);
+    const QAbstractItemModelTester tester(&list());
+    const QPersistentModelIndex first = at(0, 0, JobListColumn::Name);
+    auto files = job->mediaFiles();
+    std::reverse(files.begin(), files.end());
+    Announcements announced(list());
+    job->setMediaFiles(files);
+    list().announceChanges();
+    EXPECT_EQ(names(at(0)), (QStringList{u"c"_s, u"b"_s, u"a"_s}));
+    EXPECT_EQ(first.row(), 2);
+    EXPECT_EQ(announced.inserted.size() + announced.removed.size() + announced.reset.size(), 0);
+}
+
+TEST_F(JobListModelTest, AFileThatAJobHoldsTwiceHasOneRow)
+{
+    const auto job = addJob(u"Smith"_s);
+    const auto file = addFile(*job, u"a"_s);
+    list();
+    job->setMediaFiles({file, file});
+    list().announceChanges();
+    EXPECT_EQ(names(at(0)), QStringList{u"a"_s});
+}
+
+TEST_F(JobListModelTest, ManyScatteredJobsGoInOneSpan)
+{
+    addJobs(100, 1);
+    const QAbstractItemModelTester tester(&list());
+    const QPersistentModelIndex kept = at(51);
+    Announcements announced(list());
+    const auto jobs = engine().jobs();
+    for (std::size_t i = 0; i < jobs.size(); i += 2)
+        engine().removeJobsObject(jobs[i]);
+    list().announceChanges();
+    EXPECT_EQ(announced.removed.size(), 1);
+    EXPECT_EQ(announced.reset.size(), 0);
+    EXPECT_EQ(list().rowCount(), 50);
+    EXPECT_EQ(kept.row(), 25);
+    EXPECT_EQ(kept.data().toString(), u"Job 52"_s);
+}
+
+TEST_F(JobListModelTest, ResettingTheEngineRemovesTheRowsAndBuildsThemFromTheReply)
+{
+    addJobs(50, 2);
+    Announcements announced(list());
+    engine().resetAndLoadFromServer();
+    engine().processCheckJobsStatusOnServerResponse(JobModel::simulatedCheckStatusResponseNumOfDepos(30, 2));
+    list().announceChanges();
+    EXPECT_EQ(announced.removed.size(), 1);
+    EXPECT_EQ(announced.inserted.size(), 1);
+    EXPECT_EQ(announced.reset.size(), 0);
+    EXPECT_EQ(list().rowCount(), 30);
+    EXPECT_EQ(list().rowCount(at(0)), 2);
+}
+
+TEST_F(JobListModelTest, StatusesComeInTheEnginesOrderHoweverTheListIsSorted)
+{
+    addJob(u"C"_s, 17);
+    addJob(u"A"_s, 12);
+    addJob(u"B"_s, 3);
+    list().sort(static_cast<int>(JobListColumn::Name));
+    EXPECT_EQ(names(), (QStringList{u"A"_s, u"B"_s, u"C"_s}));
+    EXPECT_EQ(list().jobStatuses(), (QVariantList{17, 12, 3}));
+}
+
+TEST_F(JobListModelTest, ThousandsOfChangesAreAnnouncedInSpansAndNeverByReset)
+{
+    addJobs(10000, 4);
+    Announcements announced(list());
+    for (const auto& job : engine().jobs()) {
+        job->setServerStatus(u"Split"_s);
+        for (const auto& file : job->mediaFiles())
+            file->setServerStatus(u"Split"_s);
+    }
+    list().announceChanges();
+    // All jobs are one span; the files of each are one.
+    EXPECT_EQ(announced.changed.size(), 10001);
+    EXPECT_EQ(announced.all.size(), 1);
+    EXPECT_EQ(announced.reset.size() + announced.rearranged.size(), 0);
+
+    engine().resetAndLoadFromServer();
+    list().announceChanges();
+    EXPECT_EQ(announced.removed.size(), 1);
+    EXPECT_EQ(list().rowCount(), 0);
+}
