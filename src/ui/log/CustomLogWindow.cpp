@@ -56,6 +56,10 @@ void CustomLogWindow::setUpText()
     text.setDocumentLayout(new QPlainTextDocumentLayout(&text));
     view.setDocument(&text);
     view.setFont(fixed);
+    // New text behind a selection that reaches to the end is not selected with it.
+    QTextCursor cursor = view.textCursor();
+    cursor.setKeepPositionOnInsert(true);
+    view.setTextCursor(cursor);
 
     QScrollBar& bar = *view.verticalScrollBar();
     connect(&bar, &QScrollBar::valueChanged, this, &CustomLogWindow::tellWhereViewIs);
@@ -135,7 +139,7 @@ void CustomLogWindow::scrollToBottom()
 {
     const QScopedValueRollback scrolling(m_isScrolling, true);
     QPlainTextEdit& view = *m_ui->logTextView;
-    QTextCursor end(view.document());
+    QTextCursor end = view.textCursor();
     end.movePosition(QTextCursor::End);
     view.setTextCursor(end);
     view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
@@ -170,7 +174,7 @@ void CustomLogWindow::select(const std::optional<LogSearch::Match>& match)
 {
     if (!match)
         return;
-    QTextCursor cursor(m_ui->logTextView->document());
+    QTextCursor cursor = m_ui->logTextView->textCursor();
     cursor.setPosition(match->position);
     cursor.setPosition(match->position + match->length, QTextCursor::KeepAnchor);
     m_ui->logTextView->setTextCursor(cursor);

@@ -75,7 +75,8 @@ void CustomLogWindowController::getData(const QByteArray& data)
 
 void CustomLogWindowController::refreshLog()
 {
-    getData(readPiece().data);
+    if (m_tail.isOpen())
+        getData(readPiece().data);
 }
 
 void CustomLogWindowController::append(const QString& text)

@@ -14,6 +14,8 @@ public:
     // False when the file cannot be read.
     [[nodiscard]] bool open(const QString& path);
 
+    [[nodiscard]] bool isOpen() const { return m_file.isOpen(); }
+
     struct Piece
     {
         QByteArray data;

@@ -5,28 +5,25 @@
 
 namespace {
 
-// Calls `visit` with each match of a line; until it returns false. False when it did.
+// Calls `visit` with each match of a line until it returns false.
 template <typename Visit>
-bool eachMatch(const QTextBlock& line, const QString& text, Visit visit)
+void eachMatch(const QTextBlock& line, const QString& text, Visit visit)
 {
     const QString words = line.text();
     for (qsizetype at = words.indexOf(text, 0, Qt::CaseInsensitive); at >= 0;
          at = words.indexOf(text, at + text.size(), Qt::CaseInsensitive)) {
         if (!visit(LogSearch::Match{line.position() + static_cast<int>(at), static_cast<int>(text.size())}))
-            return false;
+            return;
     }
-    return true;
 }
 
 } // namespace
 
 qsizetype LogSearch::count(const QString& text) const
 {
-    if (text.isEmpty())
-        return 0;
     qsizetype number = 0;
-    for (QTextBlock line = m_document.begin(); line.isValid(); line = line.next())
-        number += line.text().count(text, Qt::CaseInsensitive);
+    for (QTextBlock line = m_document.begin(); line.isValid() && !text.isEmpty(); line = line.next())
+        eachMatch(line, text, [&number](const Match&) { return ++number > 0; });
     return number;
 }
 
