@@ -57,7 +57,15 @@ SubmitJobWindow::SubmitJobWindow(SubmitJobWindowController& controller)
     resize(sizeHint().expandedTo({fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36}));
 }
 
-SubmitJobWindow::~SubmitJobWindow() = default;
+SubmitJobWindow::~SubmitJobWindow()
+{
+    // A field that loses the keyboard while it is destroyed says that its edit has ended.
+    m_controller.disconnect(this);
+    for (const QObject* const child : findChildren<QObject*>()) {
+        child->disconnect(this);
+        child->disconnect(&m_controller);
+    }
+}
 
 // Transcript and recordings
 
