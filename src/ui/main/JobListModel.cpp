@@ -9,9 +9,11 @@
 
 namespace {
 
-bool isNumeric(JobListColumn column)
+// Its values are about as long as each other.
+bool isShort(JobListColumn column)
 {
-    return column == JobListColumn::Accuracy || column == JobListColumn::JobNumber || column == JobListColumn::Duration;
+    return column == JobListColumn::Progress || column == JobListColumn::Accuracy ||
+           column == JobListColumn::JobNumber || column == JobListColumn::Duration;
 }
 
 QVariant orNull(const QString& text)
@@ -120,7 +122,7 @@ QVariant JobListModel::data(const QModelIndex& index, int role) const
     case Qt::AccessibleTextRole:
         return orNull(JobListValues::accessibleText(object, column));
     case Qt::TextAlignmentRole:
-        return isNumeric(column) ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
+        return isShort(column) ? QVariant(Qt::AlignCenter) : QVariant();
     case SortRole:
         return JobListValues::underlying(object, column);
     case TotalValueRole:
@@ -142,7 +144,7 @@ QVariant JobListModel::headerData(int section, Qt::Orientation orientation, int 
     if (role == Qt::DisplayRole)
         return JobListValues::columnTitle(column);
     if (role == Qt::TextAlignmentRole)
-        return QVariant((isNumeric(column) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+        return QVariant((isShort(column) ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
     return {};
 }
 

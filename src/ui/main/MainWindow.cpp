@@ -24,8 +24,22 @@ constexpr int nameColumn = static_cast<int>(JobListColumn::Name);
 constexpr int progressColumn = static_cast<int>(JobListColumn::Progress);
 
 // In characters, by column.
-constexpr std::array<int, jobListColumnCount> firstWidths{40, 26, 12, 12, 14, 12, 22};
-constexpr int firstRowCount = 20;
+constexpr std::array<int, jobListColumnCount> firstWidths{52, 28, 12, 12, 14, 12, 24};
+constexpr int firstRowCount = 22;
+
+// Plain texts, with room above and below; all rows are as high as the highest cell of the first.
+class RoomyDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] static int rowHeight(const QFontMetrics& metrics) { return metrics.height() * 3 / 2; }
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const QSize plain = QStyledItemDelegate::sizeHint(option, index);
+        return plain.expandedTo({0, rowHeight(option.fontMetrics)});
+    }
+};
 
 } // namespace
 
@@ -77,6 +91,7 @@ void MainWindow::setUpList()
 void MainWindow::setUpDelegates()
 {
     QTreeView& list = *m_ui->jobsOutlineView;
+    list.setItemDelegate(new RoomyDelegate(&list));
     const auto setUp = [this](Cell& cell, const QModelIndex& index) {
         if (const auto item = m_controller.jobsArrayController().mediaObject(index))
             m_controller.outlineViewWillDisplayCell(cell, static_cast<JobListColumn>(index.column()), *item);
@@ -174,8 +189,6 @@ void MainWindow::setUpToolBar()
     give(m_ui->newJobAction, "document-new", QStyle::SP_FileIcon);
     give(m_ui->refreshAction, "view-refresh", QStyle::SP_BrowserReload);
     give(m_ui->openDeliveryFolderAction, "folder-open", QStyle::SP_DirOpenIcon);
-    give(m_ui->errorsAction, "dialog-warning", QStyle::SP_MessageBoxWarning);
-    give(m_ui->preferencesAction, "preferences-system", QStyle::SP_FileDialogDetailedView);
     for (auto* const button : m_ui->toolBar->findChildren<QToolButton*>())
         button->setFocusPolicy(Qt::TabFocus);
     if (auto* const extension = m_ui->toolBar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button")))
@@ -213,7 +226,14 @@ void MainWindow::bindTexts()
     connect(&m_controller, &MainWindowController::isRefreshingChanged, this, showRefreshing);
     showRefreshing();
 
-    const auto showErrors = [this] { m_ui->errorsAction->setText(u'&' + m_controller.errorsButtonText()); };
+    const QIcon warning =
+        QIcon::fromTheme(QStringLiteral("dialog-warning"), style()->standardIcon(QStyle::SP_MessageBoxWarning));
+    const QSize size = m_ui->toolBar->iconSize() * devicePixelRatio();
+    const QIcon quiet(warning.pixmap(size, QIcon::Disabled));
+    const auto showErrors = [this, warning, quiet] {
+        m_ui->errorsAction->setText(u'&' + m_controller.errorsButtonText());
+        m_ui->errorsAction->setIcon(m_controller.unseenErrorCount() > 0 ? warning : quiet);
+    };
     connect(&m_controller, &MainWindowController::unseenErrorsChanged, this, showErrors);
     showErrors();
 }
@@ -228,9 +248,9 @@ void MainWindow::sizeFooter()
 void MainWindow::sizeByFont()
 {
     QTreeView& list = *m_ui->jobsOutlineView;
-    const int rows = firstRowCount * (fontMetrics().height() + fontMetrics().leading());
+    const int rows = firstRowCount * RoomyDelegate::rowHeight(fontMetrics());
     resize(list.header()->length() + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this),
-           rows * 5 / 4 + m_ui->footerStrip->height() + m_ui->toolBar->sizeHint().height());
+           rows + m_ui->footerStrip->height() + m_ui->toolBar->sizeHint().height());
 }
 
 void MainWindow::changeEvent(QEvent* event)
