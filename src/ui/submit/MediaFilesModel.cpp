@@ -7,7 +7,7 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <set>
+#include <iterator>
 
 MediaFilesModel::MediaFilesModel(QObject* parent) : QAbstractTableModel(parent) {}
 
@@ -80,48 +80,51 @@ QVariant MediaFilesModel::headerData(int section, Qt::Orientation orientation, i
     }
 }
 
+void MediaFilesModel::setHeld(bool held)
+{
+    m_isHeld = held;
+    followFiles();
+}
+
+// What is the same at both ends stays; what lies between is replaced.
 void MediaFilesModel::followFiles()
 {
-    const Job::MediaFiles files = m_job ? m_job->mediaFiles() : Job::MediaFiles();
-    removeRowsNotIn(files);
-    if (insertRowsOf(files))
+    if (m_isHeld)
         return;
-    // Another order, as at submission.
-    beginResetModel();
+    const Job::MediaFiles files = m_job ? m_job->mediaFiles() : Job::MediaFiles();
+    const qsizetype shorter = std::min(files.size(), m_files.size());
+    qsizetype head = 0;
+    while (head < shorter && files.at(head) == m_files.at(head))
+        ++head;
+    qsizetype tail = 0;
+    while (tail < shorter - head && files.at(files.size() - 1 - tail) == m_files.at(m_files.size() - 1 - tail))
+        ++tail;
+    removeRowsFrom(head, m_files.size() - head - tail);
+    insertRowsOf(files, head, files.size() - head - tail);
+}
+
+void MediaFilesModel::removeRowsFrom(qsizetype first, qsizetype count)
+{
+    if (count == 0)
+        return;
+    beginRemoveRows({}, static_cast<int>(first), static_cast<int>(first + count - 1));
+    m_files.remove(first, count);
+    m_fileRelays.erase(m_fileRelays.begin() + first, m_fileRelays.begin() + first + count);
+    endRemoveRows();
+}
+
+void MediaFilesModel::insertRowsOf(const Job::MediaFiles& files, qsizetype first, qsizetype count)
+{
+    if (count == 0)
+        return;
+    beginInsertRows({}, static_cast<int>(first), static_cast<int>(first + count - 1));
     m_files = files;
-    m_fileRelays.clear();
-    for (const auto& file : m_files)
-        m_fileRelays.push_back(relayOf(file));
-    endResetModel();
-}
-
-void MediaFilesModel::removeRowsNotIn(const Job::MediaFiles& files)
-{
-    const std::set<std::shared_ptr<MediaFile>> kept(files.begin(), files.end());
-    for (int row = rowCount() - 1; row >= 0; --row) {
-        if (kept.contains(m_files.at(row)))
-            continue;
-        beginRemoveRows({}, row, row);
-        m_files.removeAt(row);
-        m_fileRelays.erase(m_fileRelays.begin() + row);
-        endRemoveRows();
-    }
-}
-
-bool MediaFilesModel::insertRowsOf(const Job::MediaFiles& files)
-{
-    for (int row = 0; row < files.size(); ++row) {
-        const auto& file = files.at(row);
-        if (row < m_files.size() && m_files.at(row) == file)
-            continue;
-        if (m_files.contains(file))
-            return false;
-        beginInsertRows({}, row, row);
-        m_files.insert(row, file);
-        m_fileRelays.insert(m_fileRelays.begin() + row, relayOf(file));
-        endInsertRows();
-    }
-    return m_files.size() == files.size();
+    std::vector<std::unique_ptr<ChangeRelay>> relays;
+    for (qsizetype row = first; row < first + count; ++row)
+        relays.push_back(relayOf(files.at(row)));
+    m_fileRelays.insert(m_fileRelays.begin() + first, std::make_move_iterator(relays.begin()),
+                        std::make_move_iterator(relays.end()));
+    endInsertRows();
 }
 
 std::unique_ptr<ChangeRelay> MediaFilesModel::relayOf(const std::shared_ptr<MediaFile>& file)

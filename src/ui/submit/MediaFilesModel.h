@@ -22,6 +22,8 @@ public:
 
     // Null for no rows.
     void setJob(const std::shared_ptr<Job>& job);
+    // While held, the list stays as it is; it then follows all that came and went in one go.
+    void setHeld(bool held);
     [[nodiscard]] std::shared_ptr<MediaFile> mediaFile(int row) const { return m_files.value(row); }
     [[nodiscard]] Job::MediaFiles mediaFiles() const { return m_files; }
 
@@ -32,13 +34,14 @@ public:
 
 private:
     void followFiles();
-    void removeRowsNotIn(const Job::MediaFiles& files);
-    bool insertRowsOf(const Job::MediaFiles& files);
+    void removeRowsFrom(qsizetype first, qsizetype count);
+    void insertRowsOf(const Job::MediaFiles& files, qsizetype first, qsizetype count);
     [[nodiscard]] std::unique_ptr<ChangeRelay> relayOf(const std::shared_ptr<MediaFile>& file);
     void announce(const MediaFile* file);
 
     std::shared_ptr<Job> m_job;
     Job::MediaFiles m_files;
+    bool m_isHeld = false;
     // One for each row, in the same order.
     std::vector<std::unique_ptr<ChangeRelay>> m_fileRelays;
     std::unique_ptr<ChangeRelay> m_jobRelay;

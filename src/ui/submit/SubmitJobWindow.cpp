@@ -90,6 +90,7 @@ void SubmitJobWindow::setUpMedia()
     new EmptyStateOverlay(&table, tr("Drop recordings here or press Add…"));
     QHeaderView& header = *table.horizontalHeader();
     header.setSectionResizeMode(QHeaderView::ResizeToContents);
+    header.setResizeContentsPrecision(100);
     header.setSectionResizeMode(MediaFilesModel::Name, QHeaderView::Stretch);
     connect(&table, &MediaFilesTable::filesDropped, &m_controller, &Controller::addMediaFiles);
     connect(&table, &MediaFilesTable::deletePressed, this, &SubmitJobWindow::deleteSelectedMediaFiles);

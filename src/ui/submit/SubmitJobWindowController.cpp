@@ -96,7 +96,9 @@ void SubmitJobWindowController::changeJob(const std::function<void(Job&)>& chang
     if (!m_job)
         return;
     m_holdsJobChanges = true;
+    m_mediaFilesModel.setHeld(true);
     change(*m_job);
+    m_mediaFilesModel.setHeld(false);
     m_holdsJobChanges = false;
     applyJobChange();
 }

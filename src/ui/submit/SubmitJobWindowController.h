@@ -86,7 +86,7 @@ public:
     void controlTextDidChange(const QString& path);
 
     // --- Recordings ---
-    // Transcripts are left out; so are folders, missing files and files that are in the list, with a message.
+    // Transcripts, folders, missing files and files that are in the list are left out, with a message.
     void addMediaFiles(const QStringList& paths);
     void removeMediaFiles(const Job::MediaFiles& mediaFiles);
     void browseMediaFiles();
@@ -207,6 +207,7 @@ private:
     void extractMediaFilesInfoThreadProc(const std::shared_ptr<Job>& job);
     void extractInfo(const std::shared_ptr<MediaFile>& mediaFile);
     void infoThreadEnded();
+    [[nodiscard]] bool isEnding() const;
     void submit(bool andNew);
 
     ApplicationController& m_application;
@@ -230,7 +231,7 @@ private:
     // Made to forget this observer when it goes.
     std::vector<std::weak_ptr<CUrlCommand>> m_commands;
 
-    std::mutex m_extractorsMutex; // guards the two below
+    mutable std::mutex m_extractorsMutex; // guards the two below
     bool m_isEnding = false;
     std::set<std::shared_ptr<AudioExtractor>> m_runningExtractors;
     // What posted work may hold of this object: gone with it. Main thread.

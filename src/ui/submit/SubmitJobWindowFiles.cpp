@@ -12,6 +12,29 @@
 
 #include <QFileInfo>
 
+namespace {
+
+// Long names are cut in their middle: a message is no place for them, and the list shows them whole.
+QString shortName(const QString& path)
+{
+    constexpr qsizetype longest = 48;
+    const QString name = PathText::lastPathComponent(path);
+    if (name.size() <= longest)
+        return name;
+    return name.first(longest / 2) + QStringLiteral("…") + name.last(longest / 2 - 1);
+}
+
+QString joined(const QStringList& problems)
+{
+    constexpr qsizetype most = 3;
+    if (problems.size() <= most + 1)
+        return problems.join(u'\n');
+    return problems.first(most).join(u'\n') + u'\n' +
+           SubmitJobWindowController::tr("%1 more were not added.").arg(problems.size() - most);
+}
+
+} // namespace
+
 // Transcript
 
 void SubmitJobWindowController::addTranscriptFile(const QString& path)
@@ -110,7 +133,7 @@ QString SubmitJobWindowController::transcriptMessage() const
     }
     if (!m_transcriptFile.isEmpty()) {
         message += message.isEmpty() ? QString() : QStringLiteral(" ");
-        message += tr("The job's transcript is still %1.").arg(PathText::lastPathComponent(m_transcriptFile));
+        message += tr("The job's transcript is still %1.").arg(shortName(m_transcriptFile));
     }
     return message;
 }
@@ -129,27 +152,27 @@ void SubmitJobWindowController::addMediaFiles(const QStringList& paths)
                 const qsizetype before = job.mediaFiles().size();
                 job.addMediaFilesObject(MediaFile::mediaFileWithPath(path));
                 if (job.mediaFiles().size() == before)
-                    problem = tr("%1 is in the list already.").arg(PathText::lastPathComponent(path));
+                    problem = tr("%1 is in the list already.").arg(shortName(path));
             }
             if (!problem.isEmpty())
                 problems.append(problem);
         }
     });
-    setMediaMessage(problems.join(u'\n'));
+    setMediaMessage(joined(problems));
     startInfoThread();
     refreshCanSubmitJob();
 }
 
 QString SubmitJobWindowController::problemOfMedia(const QString& path) const
 {
-    const QString name = PathText::lastPathComponent(path);
+    const QString name = shortName(path);
     const QFileInfo file(path);
     if (file.isDir())
         return tr("%1 is a folder. Please add the recordings in it.").arg(name);
-    if (TranscriptFileType::isKnown(PathText::pathExtension(path)))
-        return tr("%1 is a transcript, not a recording.").arg(name);
     if (!file.exists())
         return tr("%1 does not exist any more.").arg(name);
+    if (TranscriptFileType::isKnown(PathText::pathExtension(path)))
+        return tr("%1 is a transcript, not a recording.").arg(name);
     if (!file.isFile())
         return tr("%1 is not a file.").arg(name);
     return {};
@@ -189,7 +212,6 @@ void SubmitJobWindowController::addDroppedFiles(const QStringList& paths)
         else
             recordings.append(path);
     }
-    // First: the user may have to be warned of nothing, but the names that it prefills belong to what is shown next.
     if (!transcript.isEmpty())
         addTranscriptFile(transcript);
     if (!recordings.isEmpty())
@@ -233,11 +255,8 @@ void SubmitJobWindowController::extractMediaFilesInfoThreadProc(const std::share
 
 void SubmitJobWindowController::extractInfo(const std::shared_ptr<MediaFile>& mediaFile)
 {
-    {
-        const std::scoped_lock lock(m_extractorsMutex);
-        if (m_isEnding)
-            return;
-    }
+    if (isEnding())
+        return;
     const auto extractor = AudioExtractor::audioExtractorWithInputMediaFile(mediaFile);
     if (!extractor)
         return;
@@ -253,12 +272,16 @@ void SubmitJobWindowController::extractInfo(const std::shared_ptr<MediaFile>& me
     m_runningExtractors.erase(extractor);
 }
 
+bool SubmitJobWindowController::isEnding() const
+{
+    const std::scoped_lock lock(m_extractorsMutex);
+    return m_isEnding;
+}
+
 void SubmitJobWindowController::audioExtractorHandleError(AudioExtractor& /*extractor*/, const Error& error)
 {
-    {
-        const std::scoped_lock lock(m_extractorsMutex);
-        if (m_isEnding)
-            return;
-    }
-    MainThread::runAndWait([&] { m_application.presentError(willPresentError(error)); });
+    MainThread::runAndWait([&] {
+        if (!isEnding())
+            m_application.presentError(willPresentError(error));
+    });
 }
