@@ -32,7 +32,7 @@ QVariant orNull(const std::optional<Value>& value)
 JobListModel::JobListModel(JobModel& jobModel) : m_jobModel(jobModel)
 {
     m_timer.setSingleShot(true);
-    connect(&m_timer, &QTimer::timeout, this, &JobListModel::announceChanges);
+    connect(&m_timer, &QTimer::timeout, this, &JobListModel::announceInTurns);
     m_changes->setWake([this] { scheduleAnnouncement(); });
     const auto jobsChanged = [this] {
         m_haveJobsChanged = true;
@@ -40,7 +40,8 @@ JobListModel::JobListModel(JobModel& jobModel) : m_jobModel(jobModel)
     };
     connect(&jobModel, &JobModel::jobAdded, this, jobsChanged);
     connect(&jobModel, &JobModel::jobRemoved, this, jobsChanged);
-    followJobs();
+    m_haveJobsChanged = true;
+    announceChanges();
 }
 
 JobListModel::~JobListModel()

@@ -43,8 +43,10 @@ public:
 
     // The least time between two announcements.
     void setGatheringInterval(std::chrono::milliseconds interval) { m_interval = interval; }
-    // Announces now what is gathered.
+    // Announces now what is gathered, all of it.
     void announceChanges();
+    // So many rows are announced in one turn of the main loop; then input and drawing have theirs.
+    static constexpr std::size_t rowsPerTurn = 5000;
 
     // Null for an index that is no row.
     [[nodiscard]] std::shared_ptr<MediaObject> mediaObject(const QModelIndex& index) const;
@@ -71,7 +73,7 @@ Q_SIGNALS:
 private:
     using Node = JobListNode;
     using Nodes = std::vector<std::unique_ptr<JobListNode>>;
-    using RowIds = std::unordered_set<RowChanges::RowId>;
+    using RowIds = std::vector<RowChanges::RowId>;
 
     [[nodiscard]] static Node* nodeOf(const QModelIndex& index);
     [[nodiscard]] QModelIndex indexOf(const Node* node, int column = 0) const;
@@ -79,6 +81,10 @@ private:
     [[nodiscard]] Nodes& rowsBelow(Node* parent);
 
     void scheduleAnnouncement();
+    void announceInTurns();
+    // One turn's share. False when nothing is left.
+    bool announceSome();
+    void gather();
     [[nodiscard]] std::unique_ptr<Node> makeNode(const std::shared_ptr<MediaObject>& object, Node* parent);
     void forget(const Node& node);
     void followJobs();
@@ -101,7 +107,12 @@ private:
     Nodes m_jobs;
     std::unordered_map<RowChanges::RowId, Node*> m_nodes;
     RowChanges::RowId m_lastId = 0;
+
     bool m_haveJobsChanged = false;
+    // Changed and not announced yet, the last first; by id, which keeps most jobs with their files and neighbours.
+    RowIds m_gathered;
+    // Removed, and to be let go: thousands of objects take their time.
+    Nodes m_gone;
 
     int m_sortColumn = -1;
     Qt::SortOrder m_sortOrder = Qt::AscendingOrder;

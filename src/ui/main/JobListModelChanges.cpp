@@ -6,6 +6,7 @@
 #include "ui/main/JobListSorting.h"
 
 #include <algorithm>
+#include <functional>
 #include <tuple>
 
 namespace {
@@ -46,14 +47,48 @@ void JobListModel::announceChanges()
 {
     m_timer.stop();
     m_sinceAnnouncement.start();
-    const RowIds changed = m_changes->take();
-    if (changed.empty() && !m_haveJobsChanged)
-        return;
+    gather();
+    while (announceSome()) {
+    }
+}
+
+void JobListModel::announceInTurns()
+{
+    m_sinceAnnouncement.start();
+    // Rows that change all the time must not keep those behind them from their turn.
+    const bool isNewBatch = m_gathered.empty();
+    if (isNewBatch)
+        gather();
+    if (announceSome())
+        m_timer.start(std::chrono::milliseconds(0));
+    else if (!isNewBatch)
+        scheduleAnnouncement(); // What came in meanwhile has woken nobody.
+}
+
+void JobListModel::gather()
+{
+    const auto changed = m_changes->take();
+    m_gathered.insert(m_gathered.end(), changed.begin(), changed.end());
+    std::sort(m_gathered.begin(), m_gathered.end(), std::greater<>());
+    m_gathered.erase(std::unique(m_gathered.begin(), m_gathered.end()), m_gathered.end());
+}
+
+bool JobListModel::announceSome()
+{
+    m_gone.resize(m_gone.size() - std::min(m_gone.size(), rowsPerTurn / 4));
+    if (!m_haveJobsChanged && m_gathered.empty())
+        return !m_gone.empty();
     if (std::exchange(m_haveJobsChanged, false))
         followJobs();
+    const auto share = static_cast<std::ptrdiff_t>(std::min(m_gathered.size(), rowsPerTurn));
+    const RowIds changed(m_gathered.end() - share, m_gathered.end());
+    m_gathered.erase(m_gathered.end() - share, m_gathered.end());
     announceRows(changed);
+    if (m_haveJobsChanged || !m_gathered.empty())
+        return true;
     sortIfNeeded();
     Q_EMIT changesAnnounced();
+    return !m_gone.empty();
 }
 
 // The rows there are
@@ -108,7 +143,13 @@ void JobListModel::followRows(Node* parent, const QList<std::shared_ptr<MediaObj
         known.emplace(node->object.get(), node.get());
     Nodes added;
     int place = 0;
+    const std::size_t most = m_nodes.size() + rowsPerTurn;
     for (const auto& object : objects) {
+        const bool isTurnOver = parent == nullptr && m_nodes.size() >= most;
+        if (isTurnOver && !known.contains(object.get())) {
+            m_haveJobsChanged = true; // The rest in the next turn.
+            continue;
+        }
         const auto [entry, isNew] = known.try_emplace(object.get(), nullptr);
         if (isNew) {
             added.push_back(makeNode(object, parent));
@@ -168,6 +209,7 @@ void JobListModel::removeSpan(Node* parent, int first, int last)
     beginRemoveRows(indexOf(parent), first, last);
     for (int row = first; row <= last; ++row)
         forget(*rows[static_cast<std::size_t>(row)]);
+    std::move(rows.begin() + first, rows.begin() + last + 1, std::back_inserter(m_gone));
     rows.erase(rows.begin() + first, rows.begin() + last + 1);
     JobListSorting::number(rows, static_cast<std::size_t>(first));
     endRemoveRows();

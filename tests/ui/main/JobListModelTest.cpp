@@ -2,6 +2,8 @@
 
 #include "support/Waiting.h"
 
+#include <QSet>
+
 #include <set>
 
 using namespace Qt::StringLiterals;
@@ -406,6 +408,60 @@ TEST_F(JobListModelTest, StatusesComeInTheEnginesOrderHoweverTheListIsSorted)
     EXPECT_EQ(list().jobStatuses(), (QVariantList{17, 12, 3}));
 }
 
+TEST_F(JobListModelTest, ThousandsOfRowsAreAnnouncedInTurnsOfTheMainLoop)
+{
+    const int jobCount = static_cast<int>(JobListModel::rowsPerTurn) * 2;
+    JobListModel gathering(engine());
+    gathering.setGatheringInterval(std::chrono::milliseconds(0));
+    Announcements announced(gathering);
+    addJobs(jobCount, 1);
+    ASSERT_TRUE(Waiting::until([&] { return announced.all.size() > 0; }));
+    EXPECT_EQ(gathering.rowCount(), jobCount);
+    EXPECT_EQ(announced.inserted.size(), 4);
+
+    for (const auto& job : engine().jobs()) {
+        job->setScoreValue(1);
+        job->mediaFiles().first()->setScoreValue(1);
+    }
+    announced.all.clear();
+    ASSERT_TRUE(Waiting::until([&] { return announced.all.size() > 0; }));
+    QSet<QModelIndex> jobsChanged;
+    int spansOfJobs = 0;
+    for (int i = 0; i < announced.changed.size(); ++i) {
+        if (announced.changed.at(i).at(0).toModelIndex().parent().isValid())
+            continue;
+        ++spansOfJobs;
+        for (int row = announced.span(i).first; row <= announced.span(i).second; ++row)
+            jobsChanged.insert(gathering.index(row, 0));
+    }
+    EXPECT_EQ(jobsChanged.size(), jobCount) << "every row is announced";
+    EXPECT_EQ(spansOfJobs, 4) << "a turn's share each";
+}
+
+TEST_F(JobListModelTest, RowsThatChangeAllTheTimeDoNotKeepOthersFromTheirTurn)
+{
+    const int jobCount = static_cast<int>(JobListModel::rowsPerTurn) * 2;
+    addJobs(jobCount, 0);
+    JobListModel gathering(engine());
+    gathering.setGatheringInterval(std::chrono::milliseconds(0));
+    const auto jobs = engine().jobs();
+    int restless = 0;
+    bool cameToTheLast = false;
+    QObject::connect(&gathering, &QAbstractItemModel::dataChanged, &gathering,
+                     [&](const QModelIndex& first, const QModelIndex& last) {
+                         cameToTheLast = cameToTheLast || last.row() == jobCount - 1;
+                         if (first.row() == 0 && ++restless < 20) {
+                             for (int i = 0; i < jobCount / 2; ++i)
+                                 jobs[static_cast<std::size_t>(i)]->setProcessedValue(restless);
+                         }
+                     });
+    for (const auto& job : jobs)
+        job->setProcessedValue(1);
+    EXPECT_TRUE(Waiting::until([&] { return cameToTheLast; }));
+    EXPECT_LE(restless, 2);
+    EXPECT_TRUE(Waiting::until([&] { return restless == 20; })) << "what comes meanwhile is announced too";
+}
+
 TEST_F(JobListModelTest, ThousandsOfChangesAreAnnouncedInSpansAndNeverByReset)
 {
     addJobs(10000, 4);
@@ -416,8 +472,8 @@ TEST_F(JobListModelTest, ThousandsOfChangesAreAnnouncedInSpansAndNeverByReset)
             file->setServerStatus(u"Split"_s);
     }
     list().announceChanges();
-    // All jobs are one span; the files of each are one.
-    EXPECT_EQ(announced.changed.size(), 10001);
+    // The files of each job are one span; the jobs of each turn are one.
+    EXPECT_LE(announced.changed.size(), 10000 + 50000 / static_cast<int>(JobListModel::rowsPerTurn) + 1);
     EXPECT_EQ(announced.all.size(), 1);
     EXPECT_EQ(announced.reset.size() + announced.rearranged.size(), 0);
 
