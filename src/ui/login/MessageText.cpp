@@ -15,6 +15,7 @@ constexpr int preferredCharacters = 30;
 MessageText::MessageText(QWidget* parent) : QPlainTextEdit(parent)
 {
     setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
     setUndoRedoEnabled(false);
     setFrameShape(QFrame::NoFrame);
@@ -37,34 +38,52 @@ void MessageText::setMessage(const QString& message)
     setPlainText(message);
     // Without a message there is nothing to stop at on the way through the window.
     setFocusPolicy(message.isEmpty() ? Qt::NoFocus : Qt::StrongFocus);
+    decideOnScrolling();
     updateGeometry();
     QAccessibleEvent event(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);
 }
 
-int MessageText::lineCountAt(int width) const
+int MessageText::textHeightAt(int width, int lineLimit) const
 {
     int lines = 0;
-    for (QTextBlock block = document()->firstBlock(); block.isValid() && lines < mostLines; block = block.next()) {
+    double height = 0;
+    for (QTextBlock block = document()->firstBlock(); block.isValid() && lines < lineLimit; block = block.next()) {
         QTextLayout layout(block.text(), font());
         QTextOption option;
         option.setWrapMode(wordWrapMode());
         layout.setTextOption(option);
         layout.beginLayout();
-        for (QTextLine line = layout.createLine(); line.isValid() && lines < mostLines; line = layout.createLine()) {
+        for (QTextLine line = layout.createLine(); line.isValid() && lines < lineLimit; line = layout.createLine()) {
+            line.setLeadingIncluded(true);
             line.setLineWidth(width);
+            height += line.height();
             ++lines;
         }
         layout.endLayout();
     }
-    return qBound(1, lines, mostLines);
+    return qCeil(qMax(height, QFontMetricsF(font()).lineSpacing()));
 }
 
 int MessageText::heightForWidth(int width) const
 {
     const QMargins margins = contentsMargins();
-    const int lines = lineCountAt(width - margins.left() - margins.right());
-    return lines * qCeil(QFontMetricsF(font()).lineSpacing()) + margins.top() + margins.bottom();
+    // A line that ends exactly at the edge counts as not quite seen, hence the one pixel more.
+    return 1 + textHeightAt(width - margins.left() - margins.right(), mostLines) + margins.top() + margins.bottom();
+}
+
+// A scroll bar that came while the window still grows would take width from the text, and so keep itself needed.
+void MessageText::decideOnScrolling()
+{
+    const int width = contentsRect().width();
+    const bool isWholeSeen = textHeightAt(width, mostLines + 1) == textHeightAt(width, mostLines);
+    setVerticalScrollBarPolicy(isWholeSeen ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+}
+
+void MessageText::resizeEvent(QResizeEvent* event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    decideOnScrolling();
 }
 
 QSize MessageText::sizeHint() const

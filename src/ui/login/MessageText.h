@@ -18,6 +18,11 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
-    [[nodiscard]] int lineCountAt(int width) const;
+    void decideOnScrolling();
+    // Of the first lines, at most so many.
+    [[nodiscard]] int textHeightAt(int width, int lineLimit) const;
 };

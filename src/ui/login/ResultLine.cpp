@@ -21,8 +21,10 @@ ResultLine::ResultLine(QWidget* parent)
     m_troubleSign->hide();
     m_message->setObjectName(u"loginResultText"_s);
     m_message->setAccessibleName(tr("Result"));
-    setFocusProxy(m_message);
 
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_busyIndicator, 0, Qt::AlignTop);
