@@ -187,13 +187,18 @@ void JobListModel::sortIfNeeded()
     const auto isSorted = [this](const Nodes& rows) {
         return JobListSorting::areInOrder(rows, m_sortColumn, m_sortOrder);
     };
-    if (isSorted(m_jobs) &&
-        std::all_of(m_jobs.begin(), m_jobs.end(), [&](const auto& job) { return isSorted(job->rows); }))
+    std::vector<Nodes*> unsorted;
+    if (!isSorted(m_jobs))
+        unsorted.push_back(&m_jobs);
+    for (const auto& job : m_jobs) {
+        if (!isSorted(job->rows))
+            unsorted.push_back(&job->rows);
+    }
+    if (unsorted.empty())
         return;
-    rearrange([this] {
-        JobListSorting::sort(m_jobs, m_sortColumn, m_sortOrder);
-        for (const auto& job : m_jobs)
-            JobListSorting::sort(job->rows, m_sortColumn, m_sortOrder);
+    rearrange([&] {
+        for (Nodes* const rows : unsorted)
+            JobListSorting::sort(*rows, m_sortColumn, m_sortOrder);
     });
 }
 

@@ -25,11 +25,30 @@ QVariant variant(const std::optional<Value>& value)
     return value ? QVariant(*value) : QVariant();
 }
 
-QVariant transformed(const char* name, const QVariant& value)
+// A transformer of the table, looked up once: a list asks for thousands of values in a row.
+class Transformer
 {
-    const ValueTransformer* const transformer = ValueTransformers::named(QString::fromLatin1(name));
-    return transformer ? transformer->transformedValue(value) : QVariant();
-}
+public:
+    explicit constexpr Transformer(const char* name) : m_name(name) {}
+
+    // Null while nobody has registered it.
+    [[nodiscard]] QVariant operator()(const QVariant& value)
+    {
+        if (m_transformer == nullptr)
+            m_transformer = ValueTransformers::named(QString::fromLatin1(m_name));
+        return m_transformer != nullptr ? m_transformer->transformedValue(value) : QVariant();
+    }
+
+private:
+    const char* m_name;
+    const ValueTransformer* m_transformer = nullptr;
+};
+
+constinit Transformer jobStatusToString("JobStatusToStringTransformer");
+constinit Transformer statusToProgressVisibility("StatusToProgressVisibilityTransformer");
+constinit Transformer scoreToAccuracy("ScoreToAccuracyTransformer");
+constinit Transformer mediaObjectToDepoNum("MediaObjectToDepoNumTransformer");
+constinit Transformer secondsToHHMMSS("SecondsNumberToHHMMSSStringTransformer");
 
 QVariant duration(const MediaObject& object)
 {
@@ -70,7 +89,7 @@ QString JobListValues::imageName(const MediaObject& object)
 
 bool JobListValues::isProgressVisible(const MediaObject& object)
 {
-    return transformed("StatusToProgressVisibilityTransformer", object.status()).toBool();
+    return statusToProgressVisibility(object.status()).toBool();
 }
 
 double JobListValues::fractionDone(const MediaObject& object)
@@ -86,15 +105,15 @@ QVariant JobListValues::display(const std::shared_ptr<MediaObject>& object, JobL
     case JobListColumn::Name:
         return title(*object);
     case JobListColumn::Status:
-        return transformed("JobStatusToStringTransformer", QVariant::fromValue(object));
+        return jobStatusToString(QVariant::fromValue(object));
     case JobListColumn::Progress:
         return variant(object->processedValue());
     case JobListColumn::Accuracy:
-        return transformed("ScoreToAccuracyTransformer", variant(object->scoreValue()));
+        return scoreToAccuracy(variant(object->scoreValue()));
     case JobListColumn::JobNumber:
-        return transformed("MediaObjectToDepoNumTransformer", QVariant::fromValue(object));
+        return mediaObjectToDepoNum(QVariant::fromValue(object));
     case JobListColumn::Duration:
-        return transformed("SecondsNumberToHHMMSSStringTransformer", duration(*object));
+        return secondsToHHMMSS(duration(*object));
     case JobListColumn::DeliveryFormat:
         return deliveryFormat(*object);
     }
