@@ -57,6 +57,12 @@ ErrorWindow::~ErrorWindow() = default;
 void ErrorWindow::setUpTable()
 {
     QTreeView& table = *m_ui->errorTable;
+    // Ahead of the view's own connections. Errors go one by one but all of them; a selection that moved from row to row
+    // meanwhile would lay the table out anew each time.
+    connect(&m_controller.errors(), &QAbstractItemModel::rowsAboutToBeRemoved, this, [&table] {
+        if (table.currentIndex().isValid() || table.selectionModel()->hasSelection())
+            table.selectionModel()->clear();
+    });
     table.setModel(&m_controller.errors());
     QHeaderView& header = *table.header();
     header.setSectionsMovable(false);

@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTreeView>
 #include <gtest/gtest.h>
@@ -140,6 +141,22 @@ TEST_F(ErrorWindowTest, AUserWhoScrolledUpStaysThere)
     ASSERT_TRUE(Waiting::until([this] { return summary.text() == u"201 errors"_s; }));
     Waiting::turnMainLoopFor(std::chrono::milliseconds(50));
     EXPECT_TRUE(isRowInSight(0));
+}
+
+TEST_F(ErrorWindowTest, ClearingALongListWithEverythingSelectedChangesTheSelectionOnce)
+{
+    constexpr int number = 50'000;
+    for (int i = 0; i < number; ++i)
+        add(QString::number(i));
+    table.selectAll();
+    table.selectionModel()->setCurrentIndex(table.model()->index(number - 1, 0), QItemSelectionModel::NoUpdate);
+    QSignalSpy selections(table.selectionModel(), &QItemSelectionModel::selectionChanged);
+    QSignalSpy currents(table.selectionModel(), &QItemSelectionModel::currentChanged);
+    controller.clearLogButtonPressed();
+    EXPECT_EQ(table.model()->rowCount(), 0);
+    EXPECT_LE(selections.count(), 1);
+    EXPECT_LE(currents.count(), 1);
+    EXPECT_FALSE(copyButton.isEnabled());
 }
 
 TEST_F(ErrorWindowTest, FiftyThousandErrorsStayInReach)

@@ -85,10 +85,9 @@ TEST_F(CustomLogWindowTest, ALineWrittenWhileItIsOpenShowsAtTheBottomAndIsScroll
 {
     writeManyLines();
     open();
-    const int before = bar->maximum();
     write("the newest line\n");
     ASSERT_TRUE(shows(u"the newest line"_s));
-    EXPECT_GT(bar->maximum(), before);
+    EXPECT_TRUE(view->viewport()->rect().intersects(view->cursorRect()));
     EXPECT_TRUE(isAtBottom());
     EXPECT_TRUE(view->textCursor().atEnd());
     EXPECT_FALSE(view->textCursor().hasSelection());
