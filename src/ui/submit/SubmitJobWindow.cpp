@@ -11,6 +11,7 @@
 #include <QCompleter>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QStandardItemModel>
@@ -52,6 +53,7 @@ SubmitJobWindow::SubmitJobWindow(SubmitJobWindowController& controller)
     connect(&m_controller, &Controller::messagesChanged, this, &SubmitJobWindow::showMessages);
     connect(&m_controller, &Controller::jobValuesChanged, this, &SubmitJobWindow::showJobValues);
     WindowBinding::bind(m_controller, *this);
+    connect(&m_controller, &Controller::jobChanged, m_ui->trascriptTextField, qOverload<>(&QWidget::setFocus));
     showMessages();
     showJobValues();
     resize(sizeHint().expandedTo({fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36}));
@@ -91,6 +93,7 @@ void SubmitJobWindow::setUpMedia()
     QHeaderView& header = *table.horizontalHeader();
     header.setSectionResizeMode(QHeaderView::ResizeToContents);
     header.setResizeContentsPrecision(100);
+    table.setMinimumWidth(fontMetrics().averageCharWidth() * 48);
     header.setSectionResizeMode(MediaFilesModel::Name, QHeaderView::Stretch);
     connect(&table, &MediaFilesTable::filesDropped, &m_controller, &Controller::addMediaFiles);
     connect(&table, &MediaFilesTable::deletePressed, this, &SubmitJobWindow::deleteSelectedMediaFiles);
@@ -274,15 +277,10 @@ void SubmitJobWindow::showLevels()
 
 void SubmitJobWindow::setUpSubmission()
 {
-    const auto submit = [this] {
-        commitCaption();
-        m_controller.submitButton();
-    };
+    const auto submit = [this] { endEditsAnd(&Controller::submitButton); };
     connect(m_ui->submitButton, &QPushButton::clicked, this, submit);
-    connect(m_ui->submitAndNewButton, &QPushButton::clicked, this, [this] {
-        commitCaption();
-        m_controller.submitAndNewButton();
-    });
+    connect(m_ui->submitAndNewButton, &QPushButton::clicked, this,
+            [this] { endEditsAnd(&Controller::submitAndNewButton); });
     connect(m_ui->cancelButton, &QPushButton::clicked, &m_controller, &Controller::cancelButton);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
         connect(new QShortcut(QKeySequence(Qt::CTRL | key), this), &QShortcut::activated, this, submit);
@@ -291,6 +289,18 @@ void SubmitJobWindow::setUpSubmission()
     bold.setBold(true);
     m_ui->totalLabel->setFont(bold);
     showSubmission();
+}
+
+void SubmitJobWindow::endEditsAnd(void (SubmitJobWindowController::*action)())
+{
+    // An edit that ended only when the window closes would reach a job that is under way.
+    QPointer<QWidget> edited = focusWidget();
+    if (edited)
+        edited->clearFocus();
+    commitCaption();
+    (m_controller.*action)();
+    if (edited && isVisible() && !focusWidget())
+        edited->setFocus();
 }
 
 void SubmitJobWindow::showSubmission()

@@ -42,8 +42,8 @@ private:
     void showLevels();
     void showSubmission();
     void deleteSelectedMediaFiles();
-    // What is typed in a field that is not left yet.
     void commitCaption();
+    void endEditsAnd(void (SubmitJobWindowController::*action)());
 
     SubmitJobWindowController& m_controller;
     const std::unique_ptr<Ui::SubmitJobWindow> m_ui;

@@ -4,8 +4,15 @@
 
 #include "ui/submit/SubmitJobWindow.h"
 
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
 #include <QDropEvent>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QRadioButton>
 #include <QTest>
 #include <QUrl>
 #include <QWidget>
@@ -32,6 +39,14 @@ protected:
     [[nodiscard]] static std::unique_ptr<QMimeData> files(const QStringList& paths);
     // Takes a transcript and a recording.
     void fill();
+
+    QRadioButton& level(int tag) { return find<QRadioButton>(QStringLiteral("processingLevel%1").arg(tag)); }
+    QString price(int tag) { return find<QLabel>(QStringLiteral("processingLevelValue%1").arg(tag)).text(); }
+    QCheckBox& rush() { return find<QCheckBox>(QStringLiteral("rushCheckBox")); }
+    QCheckBox& interpreter() { return find<QCheckBox>(QStringLiteral("viaInterpreterCheckBox")); }
+    QComboBox& formats() { return find<QComboBox>(QStringLiteral("deliveryFormatComboBox")); }
+    QComboBox& caption() { return find<QComboBox>(QStringLiteral("shortCaptionField")); }
+    QDateEdit& date() { return find<QDateEdit>(QStringLiteral("depositionDateEdit")); }
 
     SubmitJobWindow window{controller};
 };
