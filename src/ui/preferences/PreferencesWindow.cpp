@@ -51,6 +51,8 @@ PreferencesWindow::PreferencesWindow(PreferencesWindowController& controller)
     const auto* escape = new QShortcut(QKeySequence::Cancel, this);
     connect(escape, &QShortcut::activated, &m_controller, &PreferencesWindowController::close);
     WindowBinding::bind(m_controller, *this);
+    // A long path is elided rather than asked room for.
+    resize(minimumWidth(), layout()->totalHeightForWidth(minimumWidth()));
 }
 
 PreferencesWindow::~PreferencesWindow() = default;
