@@ -126,10 +126,11 @@ void ImageTextCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem&
 
     const Layout layout = layoutOf(cell, item);
     const bool isItemEnabled = cell.isEnabled && item.state.testFlag(QStyle::State_Enabled);
+    const QIcon::Mode selectable = isSelected(item) ? QIcon::Selected : QIcon::Normal;
     painter->save();
     painter->setClipRect(item.rect, Qt::IntersectClip);
     QuillpostIcons::named(cell.image)
-        .paint(painter, layout.imageRect->toRect(), Qt::AlignCenter, isItemEnabled ? QIcon::Normal : QIcon::Disabled);
+        .paint(painter, layout.imageRect->toRect(), Qt::AlignCenter, isItemEnabled ? selectable : QIcon::Disabled);
     // The same margin that the style leaves around the text of a plain cell.
     const int margin = styleOf(item).pixelMetric(QStyle::PM_FocusFrameHMargin, &item, item.widget) + 1;
     const QRect titleRect = layout.titleRect.toRect().adjusted(margin, 0, -margin, 0);

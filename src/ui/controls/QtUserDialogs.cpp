@@ -32,7 +32,10 @@ void setTexts(QMessageBox& box, const QString& title, const QString& text)
 {
     box.setWindowTitle(title);
     box.setTextFormat(Qt::PlainText);
-    box.setText(text.isEmpty() ? title : text);
+    // A reply of the service may be a whole page; its beginning tells, and the buttons stay on the screen.
+    constexpr qsizetype longest = 1500;
+    const QString shown = text.isEmpty() ? title : text;
+    box.setText(shown.size() > longest ? shown.first(longest) + QChar(0x2026) : shown);
 }
 
 } // namespace

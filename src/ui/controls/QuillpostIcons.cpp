@@ -1,9 +1,11 @@
 #include "ui/controls/QuillpostIcons.h"
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QHash>
 #include <QIconEngine>
 #include <QPainter>
+#include <QPalette>
 #include <QPixmap>
 #include <QSvgRenderer>
 
@@ -20,12 +22,16 @@ static void initializeIconResources()
 namespace {
 
 constexpr double disabledOpacity = 0.45;
+// The one colour of the drawings that has no other beside it, and so cannot be told from a highlight like it.
+const QByteArray soleColor = "#2a8c80";
 
 // Draws one vector image at whatever size is asked for, without the icon plug-ins of the platform.
 class VectorIconEngine : public QIconEngine
 {
 public:
-    explicit VectorIconEngine(std::shared_ptr<QSvgRenderer> renderer) : m_renderer(std::move(renderer)) {}
+    explicit VectorIconEngine(const QByteArray& drawing)
+        : m_drawing(drawing), m_renderer(std::make_shared<QSvgRenderer>(drawing))
+    {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
@@ -36,7 +42,10 @@ public:
         const int side = qMin(rect.width(), rect.height());
         QRect square(0, 0, side, side);
         square.moveCenter(rect.center());
-        m_renderer->render(painter, square);
+        if (mode == QIcon::Selected)
+            selectedRenderer().render(painter, square);
+        else
+            m_renderer->render(painter, square);
         painter->restore();
     }
 
@@ -56,7 +65,20 @@ public:
     bool isNull() override { return !m_renderer->isValid(); }
 
 private:
+    QSvgRenderer& selectedRenderer()
+    {
+        const QByteArray color = QGuiApplication::palette().color(QPalette::HighlightedText).name().toLatin1();
+        if (m_selectedRenderer == nullptr || color != m_selectedColor) {
+            m_selectedColor = color;
+            m_selectedRenderer = std::make_shared<QSvgRenderer>(QByteArray(m_drawing).replace(soleColor, color));
+        }
+        return *m_selectedRenderer;
+    }
+
+    QByteArray m_drawing;
     std::shared_ptr<QSvgRenderer> m_renderer;
+    std::shared_ptr<QSvgRenderer> m_selectedRenderer; // made when first drawn
+    QByteArray m_selectedColor;
 };
 
 QIcon iconFromFile(const QString& name)
@@ -65,10 +87,10 @@ QIcon iconFromFile(const QString& name)
     if (const auto known = icons.constFind(name); known != icons.constEnd())
         return *known;
     initializeIconResources();
-    const QString path = u":/quillpost/icons/"_s + name + u".svg"_s;
-    if (!QFile::exists(path))
+    QFile file(u":/quillpost/icons/"_s + name + u".svg"_s);
+    if (!file.open(QIODevice::ReadOnly))
         return {};
-    const QIcon icon(new VectorIconEngine(std::make_shared<QSvgRenderer>(path)));
+    const QIcon icon(new VectorIconEngine(file.readAll()));
     icons.insert(name, icon);
     return icon;
 }

@@ -18,6 +18,12 @@ QString oneLine(const QString& text)
     return line;
 }
 
+QVariant alignment(ErrorListModel::Column column)
+{
+    return QVariant::fromValue(Qt::Alignment(Qt::AlignVCenter) |
+                               (column == ErrorListModel::Column::Count ? Qt::AlignRight : Qt::AlignLeft));
+}
+
 } // namespace
 
 ErrorListModel::ErrorListModel(const SyncErrorList& list, Clock clock) : m_list(list), m_clock(std::move(clock))
@@ -153,8 +159,7 @@ QVariant ErrorListModel::data(const QModelIndex& index, int role) const
                                       : QVariant(PlainText::toolTip(run.error.localizedDescription.first(
                                             qMin(run.error.localizedDescription.size(), 2 * displayedLength))));
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue(Qt::Alignment(Qt::AlignVCenter) |
-                                   (column == Column::Count ? Qt::AlignRight : Qt::AlignLeft));
+        return alignment(column);
     default:
         return {};
     }
@@ -162,6 +167,8 @@ QVariant ErrorListModel::data(const QModelIndex& index, int role) const
 
 QVariant ErrorListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
+        return alignment(static_cast<Column>(section));
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
     switch (static_cast<Column>(section)) {

@@ -158,6 +158,7 @@ void CustomLogWindow::showSearch()
     if (m_ui->searchField->text() != m_controller.searchText())
         m_ui->searchField->setText(m_controller.searchText());
     m_ui->matchLabel->setText(m_controller.matchText());
+    m_ui->matchLabel->setVisible(!m_controller.matchText().isEmpty());
     m_ui->nextButton->setEnabled(m_controller.hasMatches());
     m_ui->previousButton->setEnabled(m_controller.hasMatches());
     markMatches();

@@ -70,6 +70,12 @@ TEST(QuillpostIconsTest, AnIconOfSomethingDisabledIsFainter)
     EXPECT_LT(qAlpha(disabled.pixel(16, 16)), qAlpha(normal.pixel(16, 16)));
 }
 
+TEST(QuillpostIconsTest, ARecordingOnTheHighlightHasTheColourOfTheHighlightedText)
+{
+    const QImage image = QuillpostIcons::named(u"SoundIcon"_s).pixmap(QSize(64, 64), 1.0, QIcon::Selected).toImage();
+    EXPECT_EQ(image.pixelColor(20, 32), QApplication::palette().color(QPalette::HighlightedText));
+}
+
 TEST(QuillpostIconsTest, AnUnknownNameIsNoIcon)
 {
     EXPECT_TRUE(QuillpostIcons::named(u"NoSuchIcon"_s).isNull());

@@ -96,6 +96,18 @@ TEST_F(QtUserDialogsTest, AWarningWithoutATextShowsItsTitle)
     EXPECT_EQ(text, u"Something is missing."_s);
 }
 
+TEST_F(QtUserDialogsTest, AVeryLongTextIsCutSoThatTheButtonsStayInReach)
+{
+    QString text;
+    whenShown<QMessageBox>(u"warningAlert"_s, [&](QMessageBox& box) {
+        text = box.text();
+        box.close();
+    });
+    dialogs.warn(u"Title"_s, QString(100'000, u'x'));
+    EXPECT_LT(text.size(), 2000);
+    EXPECT_TRUE(text.endsWith(QChar(0x2026)));
+}
+
 TEST_F(QtUserDialogsTest, AQuestionHasTwoButtonsInTheGivenWordsAndTheFirstIsTheDefault)
 {
     whenShown<QMessageBox>(u"questionAlert"_s, [&](QMessageBox& box) {
