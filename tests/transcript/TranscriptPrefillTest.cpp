@@ -6,7 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QByteArray cover = "Deposition of Jane Q. Doe\r\n\r\nWednesday, March 4, 2026\r\n9:32 a.m.\r\n";
+const QByteArray cover =
+    "   1   Deposition of Jane Q. Doe\r\n   2\r\n   3   Wednesday, March 4, 2026\r\n   4   9:32 a.m.\r\n";
 
 class TranscriptPrefillTest : public TemporaryHome
 {};
