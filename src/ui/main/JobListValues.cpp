@@ -107,7 +107,7 @@ QVariant JobListValues::display(const std::shared_ptr<MediaObject>& object, JobL
     case JobListColumn::Status:
         return jobStatusToString(QVariant::fromValue(object));
     case JobListColumn::Progress:
-        return variant(object->processedValue());
+        return isProgressVisible(*object) ? variant(object->processedValue()) : QVariant();
     case JobListColumn::Accuracy:
         return scoreToAccuracy(variant(object->scoreValue()));
     case JobListColumn::JobNumber:
