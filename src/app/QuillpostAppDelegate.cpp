@@ -90,7 +90,10 @@ void QuillpostAppDelegate::bindJobModel()
 void QuillpostAppDelegate::configureLogger()
 {
     m_fileLogger = std::make_shared<FileLogger>(m_environment.logFolder);
-    Log::configure({.fileLogger = m_fileLogger, .standardError = true, .systemLog = true, .lowest = Log::Level::Info});
+    Log::configure({.fileLogger = m_fileLogger,
+                    .standardError = m_environment.copiesLogToStandardError,
+                    .systemLog = true,
+                    .lowest = Log::Level::Info});
 }
 
 void QuillpostAppDelegate::showCurlInfo()

@@ -37,6 +37,7 @@ public:
         double instructionsCheckTimeInterval = 60.0; // seconds
         // Where the log files lie.
         QString logFolder = {};
+        bool copiesLogToStandardError = true;
     };
 
     enum class TerminateReply { TerminateNow, TerminateCancel };

@@ -30,7 +30,8 @@ QuillpostAppDelegate& AppTest::make()
                                                   opened.append(url);
                                                   return canOpen;
                                               },
-                                          .logFolder = path(QStringLiteral("log"))});
+                                          .logFolder = path(QStringLiteral("log")),
+                                          .copiesLogToStandardError = false});
     QObject::connect(m_delegate.get(), &QuillpostAppDelegate::terminated, [this] { ++terminatedCount; });
     return *m_delegate;
 }

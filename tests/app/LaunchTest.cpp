@@ -3,6 +3,7 @@
 #include "commands/CUrlCommandProcessor.h"
 #include "engine/JobModel.h"
 #include "settings/SettingsKey.h"
+#include "ui/errors/SyncErrorList.h"
 #include "ui/login/LoginWindowController.h"
 #include "ui/main/MainWindowController.h"
 
@@ -25,9 +26,9 @@ class Launch : public AppTest
 
 TEST_F(Launch, followsTheFiveSettingsOfTheEngine)
 {
-    defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, 3);
+    defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, 1); // more than the machine's cores is lowered
     const JobModel& model = make().jobModel();
-    EXPECT_EQ(model.maxNumberOfRunningFfmpegProcesses(), 3);
+    EXPECT_EQ(model.maxNumberOfRunningFfmpegProcesses(), 1);
     EXPECT_EQ(model.maxNumberOfRunningUploads(), 4);
     EXPECT_EQ(model.tempFilesFolder(), temporaryFolder());
     EXPECT_EQ(model.deliveryFolder(), path(QStringLiteral("delivered")));

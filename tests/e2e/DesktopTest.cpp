@@ -51,7 +51,7 @@ protected:
         display.press(QStringLiteral("Tab"));
         display.type(QStringLiteral("demo1234"));
         display.press(QStringLiteral("Return"));
-        ASSERT_NO_FATAL_FAILURE(waitFor(QStringLiteral("Quillpost"), mainWindow));
+        ASSERT_NO_FATAL_FAILURE(waitFor(QStringLiteral("^Quillpost - demo"), mainWindow));
     }
 
     // Drags the files from another program's window into the middle of a window of the program.
@@ -149,11 +149,11 @@ TEST_F(Desktop, asksBeforeItQuitsWhileAJobIsProcessed)
     ASSERT_NO_FATAL_FAILURE(waitFor(QStringLiteral("Doe-Jane-2026-03-04.txt"), window));
     display.press(QStringLiteral("ctrl+Return"));
     ASSERT_TRUE(Waiting::until([&] { return service.hanging() > 0; })) << said();
-    ASSERT_NO_FATAL_FAILURE(waitFor(QStringLiteral("Quillpost"), mainWindow));
+    ASSERT_NO_FATAL_FAILURE(waitFor(QStringLiteral("^Quillpost - demo"), mainWindow));
     display.press(QStringLiteral("alt+F4")); // the window manager's
     ASSERT_TRUE(Waiting::until([&] { return display.titleOf(QStringLiteral("getactivewindow")) != mainWindow; }));
     display.press(QStringLiteral("Escape")); // "Continue Processing"
-    ASSERT_TRUE(Waiting::until([&] { return display.hasWindow(QStringLiteral("Quillpost")); }));
+    ASSERT_TRUE(Waiting::until([&] { return display.hasWindow(QStringLiteral("^Quillpost - demo")); }));
     EXPECT_FALSE(program.hasEnded());
     service.releaseHangs();
     service.clearOverrides();

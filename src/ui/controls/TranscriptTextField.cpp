@@ -4,11 +4,11 @@
 #include <QDropEvent>
 #include <QFocusEvent>
 #include <QMimeData>
+#include <QTimer>
 #include <QUrl>
 
-bool TranscriptTextView::performDrop(QLineEdit& field, const QMimeData* data)
+bool TranscriptTextView::performDrop(QLineEdit& field, const QStringList& paths)
 {
-    const QStringList paths = TranscriptTextField::fileNames(data);
     if (paths.isEmpty())
         return false;
     field.selectAll();
@@ -67,15 +67,22 @@ void TranscriptTextField::dropEvent(QDropEvent* event)
         event->ignore();
         return;
     }
-    if (hasFocus() && m_fieldEditor != nullptr) {
-        TranscriptTextView::performDrop(*this, event->mimeData());
-    } else {
-        setText(paths.constLast());
-        m_isEdited = false;
-        Q_EMIT pathEntered();
-    }
     event->setDropAction(Qt::CopyAction);
     event->accept();
+    // In a turn of its own: what comes of it may be a modal question, and the program that the files come from waits
+    // for the end of this event.
+    QTimer::singleShot(0, this, [this, paths] { takeDropped(paths); });
+}
+
+void TranscriptTextField::takeDropped(const QStringList& paths)
+{
+    if (hasFocus() && m_fieldEditor != nullptr) {
+        TranscriptTextView::performDrop(*this, paths);
+        return;
+    }
+    setText(paths.constLast());
+    m_isEdited = false;
+    Q_EMIT pathEntered();
 }
 
 void TranscriptTextField::focusOutEvent(QFocusEvent* event)

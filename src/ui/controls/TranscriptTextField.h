@@ -12,9 +12,9 @@ class TranscriptTextView : public QObject
 public:
     using QObject::QObject;
 
-    // Selects all of the field's text and inserts the last path of the drag in its place: one edit that can be undone
-    // and that is told of as typing is (textEdited). False, and nothing changes, for a drag without file names.
-    static bool performDrop(QLineEdit& field, const QMimeData* data);
+    // Selects all of the field's text and inserts the last of the paths in its place: one edit that can be undone and
+    // that is told of as typing is (textEdited). False, and nothing changes, where there are none.
+    static bool performDrop(QLineEdit& field, const QStringList& paths);
 };
 
 // A field for the path of a transcript, typed or dropped. Drags are taken when they carry file names, and are copies.
@@ -45,6 +45,7 @@ protected:
 
 private:
     void answerDrag(QDragMoveEvent& event) const;
+    void takeDropped(const QStringList& paths);
     void endEdit();
 
     QPointer<TranscriptTextView> m_fieldEditor;

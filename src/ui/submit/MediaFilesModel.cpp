@@ -91,7 +91,8 @@ void MediaFilesModel::followFiles()
 {
     if (m_isHeld)
         return;
-    const Job::MediaFiles files = m_job ? m_job->mediaFiles() : Job::MediaFiles();
+    Job::MediaFiles files = m_job ? m_job->mediaFiles() : Job::MediaFiles();
+    std::stable_sort(files.begin(), files.end(), isBefore);
     const qsizetype shorter = std::min(files.size(), m_files.size());
     qsizetype head = 0;
     while (head < shorter && files.at(head) == m_files.at(head))

@@ -9,8 +9,9 @@
 
 class ChangeRelay;
 
-// A job's recordings as a table: name, duration, size. Follows the job and its files, whose values change on any
-// thread; only the rows that changed are announced, and what is selected stays selected. Main thread.
+// A job's recordings as a table: name, duration, size, in the order in which they will be submitted. Follows the job
+// and its files, whose values change on any thread; only the rows that changed are announced, and what is selected
+// stays selected. Main thread.
 class MediaFilesModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -19,6 +20,12 @@ public:
 
     explicit MediaFilesModel(QObject* parent = nullptr);
     ~MediaFilesModel() override;
+
+    // By file name, whatever the letter case.
+    [[nodiscard]] static bool isBefore(const std::shared_ptr<MediaFile>& a, const std::shared_ptr<MediaFile>& b)
+    {
+        return a->caseInsensitiveCompareByFileName(*b) < 0;
+    }
 
     // Null for no rows.
     void setJob(const std::shared_ptr<Job>& job);

@@ -106,7 +106,7 @@ void SubmitJobWindowController::changeJob(const std::function<void(Job&)>& chang
 bool SubmitJobWindowController::mediaFilesSortDescriptor(const std::shared_ptr<MediaFile>& a,
                                                          const std::shared_ptr<MediaFile>& b)
 {
-    return a->caseInsensitiveCompareByFileName(*b) < 0;
+    return MediaFilesModel::isBefore(a, b);
 }
 
 // Caption and format

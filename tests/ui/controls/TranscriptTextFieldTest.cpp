@@ -79,6 +79,7 @@ protected:
         [[maybe_unused]] const auto answer = dragOver(*files(threeFiles));
         QDropEvent event(QPointF(3, 3), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&field, &event);
+        QCoreApplication::processEvents(); // the drop is taken once the event is over
         return event.isAccepted() && event.dropAction() == Qt::CopyAction;
     }
 
@@ -116,8 +117,8 @@ TEST_F(TranscriptTextFieldTest, ADragWithoutFileNamesIsRefusedAndChangesNothing)
             EXPECT_EQ(dragOver(*data).second, Qt::IgnoreAction);
             EXPECT_FALSE(drop(*data));
         }
-        EXPECT_FALSE(TranscriptTextView::performDrop(field, text.get()));
-        EXPECT_FALSE(TranscriptTextView::performDrop(field, nullptr));
+        EXPECT_FALSE(TranscriptTextView::performDrop(field, TranscriptTextField::fileNames(text.get())));
+        EXPECT_FALSE(TranscriptTextView::performDrop(field, TranscriptTextField::fileNames(nullptr)));
     }
     EXPECT_EQ(field.text(), u"before"_s);
     EXPECT_EQ(entered.count(), 0);

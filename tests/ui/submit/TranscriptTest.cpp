@@ -36,7 +36,7 @@ TEST_F(SubmitTranscript, PrefillsNamesAndDateFromAParsedTranscript)
     EXPECT_EQ(controller.deponentLastName(), u"Doe"_s);
     EXPECT_EQ(controller.depositionDate(), QDate(2026, 3, 4));
     EXPECT_EQ(job().depositionDate().time(), QTime(12, 0));
-    EXPECT_EQ(controller.windowTitle(), u"Submit Job – Doe.txt"_s);
+    EXPECT_EQ(controller.windowTitle(), u"Submit Job - Doe.txt"_s);
     expectWarnings({});
 }
 
