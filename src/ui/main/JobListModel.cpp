@@ -34,12 +34,11 @@ JobListModel::JobListModel(JobModel& jobModel) : m_jobModel(jobModel)
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &JobListModel::announceInTurns);
     m_changes->setWake([this] { scheduleAnnouncement(); });
-    const auto jobsChanged = [this] {
+    connect(&jobModel, &JobModel::jobAdded, this, &JobListModel::jobArrives);
+    connect(&jobModel, &JobModel::jobRemoved, this, [this] {
         m_haveJobsChanged = true;
         scheduleAnnouncement();
-    };
-    connect(&jobModel, &JobModel::jobAdded, this, jobsChanged);
-    connect(&jobModel, &JobModel::jobRemoved, this, jobsChanged);
+    });
     m_haveJobsChanged = true;
     announceChanges();
 }

@@ -87,7 +87,9 @@ private:
     void gather();
     [[nodiscard]] std::unique_ptr<Node> makeNode(const std::shared_ptr<MediaObject>& object, Node* parent);
     void forget(const Node& node);
+    void jobArrives(const std::shared_ptr<Job>& job);
     void followJobs();
+    [[nodiscard]] std::unique_ptr<Node> takeOrMakeNode(const std::shared_ptr<MediaObject>& object, Node* parent);
     void followMediaFiles(Node& jobNode);
     void followRows(Node* parent, const QList<std::shared_ptr<MediaObject>>& objects);
     void appendRows(Node* parent, Nodes added);
@@ -109,6 +111,8 @@ private:
     RowChanges::RowId m_lastId = 0;
 
     bool m_haveJobsChanged = false;
+    // Followed already, to be listed with the next announcement.
+    std::unordered_map<const MediaObject*, std::unique_ptr<JobListNode>> m_arriving;
     // Changed and not announced yet, the last first; by id, which keeps most jobs with their files and neighbours.
     RowIds m_gathered;
     // Removed, and to be let go: thousands of objects take their time.

@@ -116,10 +116,38 @@ void JobListModel::forget(const Node& node)
     m_nodes.erase(node.id);
 }
 
+void JobListModel::jobArrives(const std::shared_ptr<Job>& job)
+{
+    // The threads of a local job may start before the next announcement; it is followed before them.
+    if (!job->serverJob() && !m_arriving.contains(job.get()))
+        m_arriving.emplace(job.get(), makeNode(job, nullptr));
+    m_haveJobsChanged = true;
+    scheduleAnnouncement();
+}
+
+std::unique_ptr<JobListModel::Node> JobListModel::takeOrMakeNode(const std::shared_ptr<MediaObject>& object,
+                                                                 Node* parent)
+{
+    const auto arriving = parent == nullptr ? m_arriving.find(object.get()) : m_arriving.end();
+    if (arriving == m_arriving.end())
+        return makeNode(object, parent);
+    auto node = std::move(arriving->second);
+    m_arriving.erase(arriving);
+    renewSortValue(*node);
+    followMediaFiles(*node);
+    return node;
+}
+
 void JobListModel::followJobs()
 {
     const auto jobs = m_jobModel.jobs();
     followRows(nullptr, {jobs.begin(), jobs.end()});
+    if (m_haveJobsChanged)
+        return; // Some are left for the next turn.
+    // Those that have gone before they were listed.
+    for (const auto& [object, node] : m_arriving)
+        forget(*node);
+    m_arriving.clear();
 }
 
 void JobListModel::followMediaFiles(Node& jobNode)
@@ -143,17 +171,18 @@ void JobListModel::followRows(Node* parent, const QList<std::shared_ptr<MediaObj
         known.emplace(node->object.get(), node.get());
     Nodes added;
     int place = 0;
-    const std::size_t most = m_nodes.size() + rowsPerTurn;
+    std::size_t made = 0;
     for (const auto& object : objects) {
-        const bool isTurnOver = parent == nullptr && m_nodes.size() >= most;
+        const bool isTurnOver = parent == nullptr && made >= rowsPerTurn;
         if (isTurnOver && !known.contains(object.get())) {
             m_haveJobsChanged = true; // The rest in the next turn.
             continue;
         }
         const auto [entry, isNew] = known.try_emplace(object.get(), nullptr);
         if (isNew) {
-            added.push_back(makeNode(object, parent));
+            added.push_back(takeOrMakeNode(object, parent));
             entry->second = added.back().get();
+            made += 1 + added.back()->rows.size();
         }
         // An object that comes twice has one row, in its first place.
         if (wanted.erase(object.get()) > 0)
@@ -222,8 +251,12 @@ std::vector<JobListModel::Node*> JobListModel::arranged(const RowIds& ids, bool 
     std::vector<Node*> nodes;
     for (const RowChanges::RowId id : ids) {
         const auto found = m_nodes.find(id);
-        if (found != m_nodes.end() && (found->second->parent == nullptr) == areJobs)
-            nodes.push_back(found->second);
+        if (found == m_nodes.end())
+            continue;
+        Node* const node = found->second;
+        const bool isListed = node->parent == nullptr ? node->isListed : node->parent->isListed;
+        if (isListed && (node->parent == nullptr) == areJobs)
+            nodes.push_back(node);
     }
     std::sort(nodes.begin(), nodes.end(), [](const Node* a, const Node* b) {
         return std::tuple(a->parent != nullptr ? a->parent->row : 0, a->row) <

@@ -149,6 +149,21 @@ TEST_F(JobListChangesTest, AJobThatComesAndGoesWithinOneIntervalIsNeverSeen)
     EXPECT_EQ(announced.inserted.size() + announced.removed.size(), 0);
 }
 
+TEST_F(JobListChangesTest, AJobThatComesGoesAndComesAgainWithinOneIntervalHasOneRow)
+{
+    list();
+    const auto job = addJob(u"Smith"_s);
+    engine().removeJobsObject(job);
+    engine().addJobsObject(job);
+    job->setScoreValue(1);
+    list().announceChanges();
+    EXPECT_EQ(names(), QStringList{u"Smith"_s});
+    Announcements announced(list());
+    job->setScoreValue(2);
+    list().announceChanges();
+    EXPECT_EQ(announced.changed.size(), 1);
+}
+
 TEST_F(JobListChangesTest, AJobTakenOutAndPutBackMovesToTheEngineOrdersEnd)
 {
     addJobs(3, 1);

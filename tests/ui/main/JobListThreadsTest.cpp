@@ -64,6 +64,11 @@ TEST_F(JobListThreadsTest, ABatchOfChangesOfAnotherThreadWakesTheListOnce)
 TEST_F(JobListThreadsTest, TheListMayGoWhileAnotherThreadChangesItsRows)
 {
     addJobs(2, 2);
+    std::vector<std::unique_ptr<JobListModel>> lists;
+    for (int i = 0; i < 50; ++i) {
+        lists.push_back(std::make_unique<JobListModel>(engine()));
+        lists.back()->setGatheringInterval(std::chrono::milliseconds(0));
+    }
     std::atomic<bool> ends = false;
     std::atomic<int> rounds = 0;
     std::jthread worker([&, jobs = engine().jobs()] {
@@ -74,16 +79,32 @@ TEST_F(JobListThreadsTest, TheListMayGoWhileAnotherThreadChangesItsRows)
             }
         }
     });
-    for (int i = 0; i < 50; ++i) {
-        auto shortLived = std::make_unique<JobListModel>(engine());
-        shortLived->setGatheringInterval(std::chrono::milliseconds(0));
+    for (auto& list : lists) {
         const int before = rounds;
         EXPECT_TRUE(Waiting::until([&] { return rounds > before; }));
-        shortLived.reset();
+        list.reset();
     }
     ends = true;
     worker.join();
     MainThread::drain();
+}
+
+TEST_F(JobListThreadsTest, ALocalJobIsFollowedFromTheMomentItArrives)
+{
+    list();
+    Announcements announced(list());
+    const auto job = addJob(u"Smith"_s);
+    addFile(*job, u"tape"_s);
+    std::jthread([job] {
+        job->setName(u"Adams"_s);
+        job->mediaFiles().first()->setScoreValue(50);
+    }).join();
+    MainThread::drain();
+    EXPECT_EQ(list().rowCount(), 0) << "gathered, not yet announced";
+    list().announceChanges();
+    EXPECT_EQ(names(), QStringList{u"Adams"_s});
+    EXPECT_EQ(names(at(0)), QStringList{u"tape"_s});
+    EXPECT_EQ(announced.inserted.size(), 1);
 }
 
 TEST_F(JobListThreadsTest, AFileThatAnotherThreadAddsIsShown)
