@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -39,6 +40,33 @@ auto inOrder(int column, Qt::SortOrder order)
     };
 }
 
+// From so many rows on, the cost of a key for each is less than that of comparing their texts again and again.
+constexpr std::size_t manyRows = 64;
+
+void sortByKeys(JobListSorting::Rows& rows, Qt::SortOrder order)
+{
+    struct Keyed
+    {
+        double number;
+        QCollatorSortKey text;
+        std::unique_ptr<JobListNode> row;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(rows.size());
+    for (auto& row : rows) {
+        const JobListSortValue& value = row->sortValue;
+        keyed.push_back({value.number, collator().sortKey(value.text), std::move(row)});
+    }
+    std::sort(keyed.begin(), keyed.end(), [order](const Keyed& a, const Keyed& b) {
+        if (a.number != b.number)
+            return order == Qt::AscendingOrder ? a.number < b.number : a.number > b.number;
+        if (const int texts = a.text.compare(b.text); texts != 0)
+            return order == Qt::AscendingOrder ? texts < 0 : texts > 0;
+        return a.row->engineOrder < b.row->engineOrder;
+    });
+    std::transform(keyed.begin(), keyed.end(), rows.begin(), [](Keyed& entry) { return std::move(entry.row); });
+}
+
 } // namespace
 
 JobListSortValue JobListSorting::sortValue(const std::shared_ptr<MediaObject>& object, JobListColumn column)
@@ -64,7 +92,10 @@ bool JobListSorting::areInOrder(const Rows& rows, int column, Qt::SortOrder orde
 
 void JobListSorting::sort(Rows& rows, int column, Qt::SortOrder order)
 {
-    std::sort(rows.begin(), rows.end(), inOrder(column, order));
+    if (column >= 0 && rows.size() >= manyRows)
+        sortByKeys(rows, order);
+    else
+        std::sort(rows.begin(), rows.end(), inOrder(column, order));
     number(rows);
 }
 

@@ -31,6 +31,27 @@ TEST_F(JobListSortingTest, NamesAreSortedAsPeopleExpect)
     expectOrder(JobListColumn::Name, {u"Äpfel"_s, u"apfel 2"_s, u"job 9"_s, u"Job 10"_s, u"Zeta"_s});
 }
 
+TEST_F(JobListSortingTest, ManyRowsAreSortedLikeFew)
+{
+    QStringList expected;
+    for (int number = 1; number <= 150; ++number)
+        expected.append((number % 2 == 0 ? u"Job %1"_s : u"job %1"_s).arg(number));
+    for (int i = 0; i < 150; ++i)
+        addJob(expected.at(i * 7 % 150))->setScoreValue(i % 3);
+    const QStringList engineOrder = names();
+    expectOrder(JobListColumn::Name, expected);
+
+    sortBy(JobListColumn::Status, Qt::DescendingOrder);
+    EXPECT_EQ(names(), engineOrder) << "all are equal";
+    sortBy(JobListColumn::Accuracy, Qt::DescendingOrder);
+    QStringList byScore;
+    for (const int score : {2, 1, 0}) {
+        for (int i = score; i < 150; i += 3)
+            byScore.append(engineOrder.at(i));
+    }
+    EXPECT_EQ(names(), byScore);
+}
+
 TEST_F(JobListSortingTest, ARushJobIsSortedByItsNameNotByTheMark)
 {
     addJob(u"B"_s);
