@@ -2,15 +2,12 @@
 #include "support/TemporaryHome.h"
 #include "transcript/DepositionFileParser.h"
 
-
 #include <fstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
-
-// Built for a sanitizer or without optimization, the same work takes several times as long.
 
 class TranscriptFile : public TemporaryHome
 {
