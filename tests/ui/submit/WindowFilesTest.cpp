@@ -133,10 +133,10 @@ TEST_F(SubmitWindowFiles, TheDeleteKeyAndTheButtonRemoveTheSelectedRows)
     EXPECT_EQ(namesOfRecordings(), QStringList({u"d.mov"_s, u"a.mov"_s}));
     table().selectRow(0);
     QTest::mouseClick(&remove, Qt::LeftButton);
-    EXPECT_EQ(namesOfRecordings(), QStringList({u"a.mov"_s}));
+    EXPECT_EQ(namesOfRecordings(), QStringList({u"d.mov"_s}));
     table().clearSelection();
     QTest::keyClick(&table(), Qt::Key_Delete);
-    EXPECT_EQ(namesOfRecordings(), QStringList({u"a.mov"_s}));
+    EXPECT_EQ(namesOfRecordings(), QStringList({u"d.mov"_s}));
     EXPECT_FALSE(remove.isEnabled());
 }
 
