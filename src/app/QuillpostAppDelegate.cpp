@@ -68,6 +68,11 @@ void QuillpostAppDelegate::awakeFromNib()
     m_submitJobWindowController = std::make_unique<SubmitJobWindowController>(*this);
     m_preferencesWindowController = std::make_unique<PreferencesWindowController>(*this);
     m_errorWindowController = std::make_unique<ErrorWindowController>(*this);
+    // After the main window's own connection, which counts the error.
+    QObject::connect(m_syncErrorList.get(), &SyncErrorList::errorInserted, m_mainWindowController.get(), [this] {
+        if (m_errorWindowController->isShown())
+            m_mainWindowController->errorsSeen();
+    });
     m_customLogWindowController = std::make_unique<CustomLogWindowController>(*this);
 }
 

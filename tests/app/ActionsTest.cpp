@@ -164,3 +164,14 @@ TEST_F(Actions, errorsAreSeenOnceTheirWindowIsShown)
     app().showErrorWindow();
     EXPECT_EQ(app().mainWindowController().unseenErrorCount(), 0);
 }
+
+TEST_F(Actions, anErrorThatComesIntoAnOpenErrorWindowIsSeen)
+{
+    QuillpostAppDelegate& delegate = makeLoggedIn();
+    delegate.errorWindowController().setIsShown(true);
+    delegate.presentError({ErrorDomain::SyncBase, 0, QStringLiteral("no")});
+    EXPECT_EQ(app().mainWindowController().unseenErrorCount(), 0);
+    delegate.errorWindowController().setIsShown(false);
+    delegate.presentError({ErrorDomain::SyncBase, 0, QStringLiteral("no")});
+    EXPECT_EQ(app().mainWindowController().unseenErrorCount(), 1);
+}

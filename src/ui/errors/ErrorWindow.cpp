@@ -127,3 +127,15 @@ void ErrorWindow::copySelection()
 {
     QGuiApplication::clipboard()->setText(m_controller.copiedText(selectedRows()));
 }
+
+void ErrorWindow::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    m_controller.setIsShown(true);
+}
+
+void ErrorWindow::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    m_controller.setIsShown(false);
+}

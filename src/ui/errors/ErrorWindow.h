@@ -18,6 +18,10 @@ public:
     explicit ErrorWindow(ErrorWindowController& controller, QWidget* parent = nullptr);
     ~ErrorWindow() override;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
 private:
     void setUpTable();
     void setUpActions();

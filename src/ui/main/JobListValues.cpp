@@ -1,9 +1,9 @@
 #include "ui/main/JobListValues.h"
 
 #include "foundation/Text.h"
-#include "model/DeliveryFormat.h"
 #include "model/Job.h"
 #include "ui/controls/PlainText.h"
+#include "ui/transformers/DeliveryFormatTitle.h"
 #include "ui/transformers/ValueTransformers.h"
 
 #include <QCoreApplication>
@@ -62,7 +62,7 @@ QVariant duration(const MediaObject& object)
 QVariant deliveryFormat(const MediaObject& object)
 {
     const auto* job = qobject_cast<const Job*>(&object);
-    return job ? QVariant(deliveryFormatName(job->deliveryFormat())) : QVariant();
+    return job ? QVariant(deliveryFormatTitle(job->deliveryFormat())) : QVariant();
 }
 
 // The file behind the row, where it is on this disk.

@@ -8,6 +8,7 @@
 #include "settings/ShortCaptionCache.h"
 #include "ui/ApplicationController.h"
 #include "ui/submit/ChangeRelay.h"
+#include "ui/transformers/DeliveryFormatTitle.h"
 #include "ui/transformers/ValueTransformers.h"
 
 #include <QUrl>
@@ -138,9 +139,7 @@ QList<SubmitJobWindowController::DeliveryFormatItem> SubmitJobWindowController::
 {
     QList<DeliveryFormatItem> items;
     for (int format = DeliveryFormatAll; format <= DeliveryFormatCustom; ++format)
-        items.append({format, deliveryFormatName(format), isDeliveryFormatSelectable(format)});
-    items.first().title = tr("All formats");
-    items.last().title = tr("Custom");
+        items.append({format, deliveryFormatTitle(format), isDeliveryFormatSelectable(format)});
     if (!m_isLOGDeliveryFormatAvailable)
         items[DeliveryFormatLOG].title = tr("LOG (not offered to you)");
     return items;

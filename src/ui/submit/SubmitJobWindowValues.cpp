@@ -155,7 +155,7 @@ QString SubmitJobWindowController::totalText() const
 QString SubmitJobWindowController::windowTitle() const
 {
     const QString name = m_job ? m_job->name() : QString();
-    return name.isEmpty() ? tr("Submit Job") : tr("Submit Job - %1").arg(name);
+    return name.isEmpty() ? tr("Submit Job - Quillpost") : tr("%1 - Submit Job - Quillpost").arg(name);
 }
 
 QString SubmitJobWindowController::mediaSummary() const

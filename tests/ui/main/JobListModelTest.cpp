@@ -54,6 +54,8 @@ TEST_F(JobListModelTest, EachColumnShowsTheTransformedValueOfItsProperty)
     EXPECT_EQ(shown(0, JobListColumn::JobNumber), u"4711"_s);
     EXPECT_EQ(shown(0, JobListColumn::Duration), u"1:02:05"_s);
     EXPECT_EQ(shown(0, JobListColumn::DeliveryFormat), u"Ostrova XML"_s);
+    job->setDeliveryFormat(DeliveryFormatAll);
+    EXPECT_EQ(shown(0, JobListColumn::DeliveryFormat), u"All formats"_s);
     EXPECT_EQ(at(0, 0, JobListColumn::Status).data().toString(), u"JoinedCMS"_s);
     EXPECT_EQ(at(0, 0, JobListColumn::Duration).data().toString(), u"0:00:59"_s);
 

@@ -36,7 +36,7 @@ TEST_F(SubmitTranscript, PrefillsNamesAndDateFromAParsedTranscript)
     EXPECT_EQ(controller.deponentLastName(), u"Doe"_s);
     EXPECT_EQ(controller.depositionDate(), QDate(2026, 3, 4));
     EXPECT_EQ(job().depositionDate().time(), QTime(12, 0));
-    EXPECT_EQ(controller.windowTitle(), u"Submit Job - Doe.txt"_s);
+    EXPECT_EQ(controller.windowTitle(), u"Doe.txt - Submit Job - Quillpost"_s);
     expectWarnings({});
 }
 
@@ -228,7 +228,7 @@ TEST_F(SubmitTranscript, TheTextFollowsTheJobUnlessAPathIsBeingTyped)
     EXPECT_EQ(controller.transcriptText(), u"/other.txt"_s);
     controller.setJob(Job::job());
     EXPECT_EQ(controller.transcriptText(), QString());
-    EXPECT_EQ(controller.windowTitle(), u"Submit Job"_s);
+    EXPECT_EQ(controller.windowTitle(), u"Submit Job - Quillpost"_s);
 }
 
 TEST_F(SubmitTranscript, OfFilesDroppedOnTheMainWindowTheLastTranscriptWinsAndTheOthersAreRecordings)

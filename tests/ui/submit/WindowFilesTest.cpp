@@ -45,7 +45,7 @@ TEST_F(SubmitWindowFiles, ATypedPathBecomesTheTranscript)
     EXPECT_FALSE(find<QLabel>(u"transcriptMessageLabel"_s).isVisible());
     EXPECT_EQ(find<QLineEdit>(u"deponentFirstNameField"_s).text(), u"Jane Q."_s);
     EXPECT_EQ(find<QLineEdit>(u"deponentLastNameField"_s).text(), u"Doe"_s);
-    EXPECT_EQ(window.windowTitle(), u"Submit Job - Doe.txt"_s);
+    EXPECT_EQ(window.windowTitle(), u"Doe.txt - Submit Job - Quillpost"_s);
 }
 
 TEST_F(SubmitWindowFiles, LeavingAnEditedFieldEntersItsPath)
