@@ -124,7 +124,6 @@ void QuillpostAppDelegate::applicationDidFinishLaunching()
 
 void QuillpostAppDelegate::userLoggedIn(const QString& userName, const QString& password, const QString& contactID)
 {
-    m_isLoggedIn = true;
     m_loginWindowController->close();
     m_mainWindowController->showWindow();
     checkDeliveryFolder();
@@ -140,6 +139,7 @@ void QuillpostAppDelegate::userLoggedIn(const QString& userName, const QString& 
     if (!takeSavedJobs())
         return;
     m_jobModel->loadState(temporaryFolder());
+    m_ownsSavedJobs = true;
     m_jobModel->startJobProcessing();
 }
 
@@ -148,7 +148,7 @@ bool QuillpostAppDelegate::takeSavedJobs()
 {
     const QString path = SavedState::filePath(temporaryFolder(), m_userName);
     while (!m_savedStateLock.take(path)) {
-        const bool again = dialogs().ask({QStringLiteral("Quillpost"),
+        const bool again = dialogs().ask({tr("Quillpost"),
                                           tr("The jobs of %1 are being worked on by another program: %2. End it, then "
                                              "try again.")
                                               .arg(m_userName, SavedStateLock::holder(path)),
@@ -156,7 +156,6 @@ bool QuillpostAppDelegate::takeSavedJobs()
         if (m_isTerminating)
             return false;
         if (!again) {
-            m_isStateSaved = true; // They are the other program's to save.
             terminate();
             return false;
         }
@@ -224,7 +223,7 @@ void QuillpostAppDelegate::terminate()
 // A full disk must not cost the user the jobs without a word.
 void QuillpostAppDelegate::saveOrAsk()
 {
-    if (!m_isLoggedIn || m_isStateSaved)
+    if (!m_ownsSavedJobs || m_isStateSaved)
         return;
     while (const auto error = m_jobModel->saveState(temporaryFolder())) {
         if (m_isTerminating ||
@@ -236,8 +235,8 @@ void QuillpostAppDelegate::saveOrAsk()
 
 void QuillpostAppDelegate::saveJobs()
 {
-    // Before a login there are no jobs, and no name that they could be saved under.
-    if (m_isLoggedIn)
+    // Until they were read they are not this program's to write over, whatever question the user is answering.
+    if (m_ownsSavedJobs)
         m_jobModel->saveState(temporaryFolder());
 }
 

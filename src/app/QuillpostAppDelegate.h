@@ -138,9 +138,8 @@ private:
     QString m_userName;
     QString m_userPassword;
     QString m_userContactID;
-    QString m_carriedCaption; // given to the job now being put together by the one submitted before it
-    bool m_isLoggedIn = false;
-    bool m_isAsking = false; // the question whether to quit is on the screen
+    bool m_ownsSavedJobs = false; // read, and locked against other programs
+    bool m_isAsking = false;      // the question whether to quit is on the screen
     bool m_isTerminating = false;
     bool m_isStateSaved = false;
 };

@@ -14,23 +14,10 @@
 #include <QDir>
 #include <QFileInfo>
 
-namespace {
-
-// The caption that a job was given by the job before it is no work of the user's.
-bool isBegun(const std::shared_ptr<Job>& job, const QString& carriedCaption)
-{
-    return job && (!job->transcriptFile().isEmpty() || !job->mediaFiles().isEmpty() ||
-                   !job->deponentFirstName().isEmpty() || !job->deponentLastName().isEmpty() ||
-                   (!job->shortCaption().isEmpty() && job->shortCaption() != carriedCaption));
-}
-
-} // namespace
-
 void QuillpostAppDelegate::submitNewJob(const std::shared_ptr<Job>& job, bool andNew)
 {
     m_jobModel->addJobsObject(job);
     m_submitJobWindowController->close();
-    m_carriedCaption = andNew ? job->shortCaption() : QString();
     if (!andNew) {
         m_submitJobWindowController->setJob(nullptr);
         return;
@@ -44,7 +31,7 @@ void QuillpostAppDelegate::submitNewJob(const std::shared_ptr<Job>& job, bool an
 // What the user typed is given up by the user alone.
 bool QuillpostAppDelegate::mayDiscardUnsubmittedJob()
 {
-    return !isBegun(m_submitJobWindowController->job(), m_carriedCaption) ||
+    return !m_submitJobWindowController->hasUnsubmittedWork() ||
            !dialogs().ask({tr("Quillpost"),
                            tr("There is a job that you began and did not submit. Do you want to go on "
                               "with it?"),
@@ -78,11 +65,10 @@ void QuillpostAppDelegate::openDeliveryFolder()
 {
     const QString path = m_environment.defaults.value(SettingsKey::DeliveryFolderPath).toString();
     if (!QFileInfo(path).isDir()) {
-        dialogs().warn(
-            tr("Quillpost"),
-            tr("The delivery folder is not there: %1. It is made when the first job is delivered; Preferences "
-               "has another one.")
-                .arg(path));
+        dialogs().warn(tr("Quillpost"),
+                       tr("The delivery folder is not there: %1. It is made when the first job is delivered, and "
+                          "Preferences can choose another.")
+                           .arg(path));
         return;
     }
     openUrl(QUrl::fromLocalFile(path));

@@ -11,6 +11,9 @@
 
 #include <QSignalSpy>
 
+#include <functional>
+#include <vector>
+
 namespace {
 
 class Actions : public AppTest
@@ -81,6 +84,33 @@ TEST_F(Actions, newJobGivesUpABegunJobOnlyWhenTheUserSaysSo)
     app().showSubmitJobWindow();
     EXPECT_NE(submitWindow().job(), begun);
     EXPECT_EQ(dialogs.questions.size(), 2);
+}
+
+TEST_F(Actions, newJobAsksAlsoWhereOnlyOneThingWasEntered)
+{
+    makeLoggedIn();
+    using Controller = SubmitJobWindowController;
+    const std::vector<std::function<void(Controller&)>> entries{
+        [](Controller& window) { window.controlTextDidChange(QStringLiteral("/half/a/pa")); },
+        [](Controller& window) { window.setDeponentLastName(QStringLiteral("Doe")); },
+        [](Controller& window) { window.setDepositionDate(QDate(2026, 3, 4)); },
+        [](Controller& window) { window.setShortCaption(QStringLiteral("Doe v. Roe")); },
+        [](Controller& window) { window.setDeliveryFormat(DeliveryFormatMDB); },
+        [](Controller& window) { window.setSelectedLevelTag(ProcessingLevelMan48); },
+        [](Controller& window) { window.setViaInterpreter(true); },
+    };
+    for (const auto& enter : entries) {
+        submitWindow().setJob(nullptr);
+        app().showSubmitJobWindow();
+        EXPECT_TRUE(dialogs.questions.isEmpty());
+        const auto begun = submitWindow().job();
+        enter(submitWindow());
+        dialogs.answers = {true};
+        app().showSubmitJobWindow();
+        EXPECT_EQ(dialogs.questions.size(), 1);
+        EXPECT_EQ(submitWindow().job(), begun);
+        dialogs.questions.clear();
+    }
 }
 
 TEST_F(Actions, droppedFilesComeToTheJobThatWasBegun)

@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 
 #include <limits>
+#include <unistd.h>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -163,4 +164,41 @@ TEST_F(Launch, leavesSavedJobsToTheProgramThatWorksOnThem)
     EXPECT_FALSE(app().jobModel().doFindAndProcessJobs());
     app().applicationWillTerminate();
     EXPECT_FALSE(QFile::exists(stateFile())) << "The jobs are the other program's to save.";
+}
+
+TEST_F(Launch, leavesSavedJobsAloneWhenItEndsWhileItAsksWhoseTheyAre)
+{
+    writeFile(QStringLiteral("temporary/State_demo.archive"), "the other program's");
+    SavedStateLock other;
+    ASSERT_TRUE(other.take(stateFile()));
+    dialogs.whileShown = [this] {
+        app().saveJobs(); // The session may end.
+        app().terminate();
+    };
+    makeLoggedIn();
+    ASSERT_EQ(dialogs.questions.size(), 1);
+    EXPECT_TRUE(app().endAllWork());
+    EXPECT_EQ(readFile(stateFile()), "the other program's");
+}
+
+TEST_F(Launch, savesNothingWhenItEndsWhileItWarnsOfTheDeliveryFolder)
+{
+    defaults().setValue(SettingsKey::DeliveryFolderPath, writeFile(QStringLiteral("file"), ""));
+    dialogs.whileShown = [this] { app().terminate(); };
+    makeLoggedIn();
+    ASSERT_EQ(dialogs.warnings.size(), 1);
+    EXPECT_TRUE(app().endAllWork());
+    EXPECT_THAT(QDir(temporaryFolder()).entryList({QStringLiteral("State_*")}), testing::IsEmpty());
+}
+
+TEST_F(Launch, forgetsADeliveryFolderThatCannotBeWritten)
+{
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "The administrator may write everywhere.";
+    QDir().mkpath(path(QStringLiteral("locked")));
+    QFile::setPermissions(path(QStringLiteral("locked")), QFile::ReadOwner | QFile::ExeOwner);
+    defaults().setValue(SettingsKey::DeliveryFolderPath, path(QStringLiteral("locked")));
+    makeLoggedIn();
+    EXPECT_EQ(dialogs.warnings.size(), 1);
+    EXPECT_FALSE(defaults().isStored(SettingsKey::DeliveryFolderPath));
 }

@@ -23,7 +23,7 @@ void BusyIndicator::setRunning(bool running)
     if (running == m_isRunning)
         return;
     m_isRunning = running;
-    setAccessibleName(running ? tr("Busy") : QString());
+    setAccessibleDescription(running ? tr("Busy") : QString());
     updateTimer();
     update();
     Q_EMIT runningChanged(running);

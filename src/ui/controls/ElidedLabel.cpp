@@ -24,8 +24,12 @@ void ElidedLabel::setText(const QString& text)
 {
     if (text == m_text)
         return;
+    // As the name where it has none: a label's text is what it is.
+    if (accessibleName().isEmpty() || accessibleName() == m_text)
+        setAccessibleName(text);
+    else
+        setAccessibleDescription(text);
     m_text = text;
-    setAccessibleName(text);
     updateGeometry();
     refresh();
     Q_EMIT textChanged(text);

@@ -1,11 +1,11 @@
 #include "ui/controls/TranscriptTextField.h"
 
+#include "ui/controls/DroppedFiles.h"
+
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFocusEvent>
-#include <QMimeData>
 #include <QTimer>
-#include <QUrl>
 
 bool TranscriptTextView::performDrop(QLineEdit& field, const QStringList& paths)
 {
@@ -23,21 +23,10 @@ TranscriptTextField::TranscriptTextField(QWidget* parent) : QLineEdit(parent)
     connect(this, &QLineEdit::returnPressed, this, &TranscriptTextField::endEdit);
 }
 
-QStringList TranscriptTextField::fileNames(const QMimeData* data)
-{
-    QStringList paths;
-    if (data == nullptr || !data->hasUrls())
-        return paths;
-    for (const QUrl& url : data->urls()) {
-        if (const QString path = url.toLocalFile(); !path.isEmpty())
-            paths << path;
-    }
-    return paths;
-}
-
 void TranscriptTextField::answerDrag(QDragMoveEvent& event) const
 {
-    if (isReadOnly() || fileNames(event.mimeData()).isEmpty()) {
+    if (isReadOnly() || !event.possibleActions().testFlag(Qt::CopyAction) ||
+        DroppedFiles::localPaths(event.mimeData()).isEmpty()) {
         event.ignore();
         return;
     }
@@ -62,7 +51,7 @@ void TranscriptTextField::dragLeaveEvent(QDragLeaveEvent* event)
 
 void TranscriptTextField::dropEvent(QDropEvent* event)
 {
-    const QStringList paths = fileNames(event->mimeData());
+    const QStringList paths = DroppedFiles::localPaths(event->mimeData());
     if (isReadOnly() || paths.isEmpty()) {
         event->ignore();
         return;
@@ -76,7 +65,8 @@ void TranscriptTextField::dropEvent(QDropEvent* event)
 
 void TranscriptTextField::takeDropped(const QStringList& paths)
 {
-    if (hasFocus() && m_fieldEditor != nullptr) {
+    // Being edited does not end with another window coming to the front, from which the files usually come.
+    if (window()->focusWidget() == this && m_fieldEditor != nullptr) {
         TranscriptTextView::performDrop(*this, paths);
         return;
     }

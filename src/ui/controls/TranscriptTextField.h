@@ -3,8 +3,6 @@
 #include <QLineEdit>
 #include <QPointer>
 
-class QMimeData;
-
 // Takes drops on a transcript field that is being edited: the path becomes part of the edit.
 class TranscriptTextView : public QObject
 {
@@ -27,9 +25,6 @@ public:
 
     // Takes the drops while the field is being edited; without one, every drop is the field's. Not owned; may go first.
     void setFieldEditor(TranscriptTextView* editor) { m_fieldEditor = editor; }
-
-    // The local paths of a drag that carries file names, in its order; empty for any other.
-    [[nodiscard]] static QStringList fileNames(const QMimeData* data);
 
 Q_SIGNALS:
     // A path is there to be taken: dropped while the field was not being edited, or an edit that changed something

@@ -5,6 +5,7 @@
 #include "foundation/Version.h"
 #include "model/Job.h"
 #include "ui/UserDialogs.h"
+#include "ui/controls/DroppedFiles.h"
 #include "ui/controls/ImageTextCell.h"
 #include "ui/controls/ProgressCell.h"
 #include "ui/errors/SyncErrorList.h"
@@ -154,12 +155,7 @@ void MainWindowController::showErrors()
 
 QStringList MainWindowController::droppedPaths(const QList<QUrl>& urls)
 {
-    QStringList paths;
-    for (const QUrl& url : urls) {
-        if (url.isLocalFile())
-            paths.append(url.toLocalFile());
-    }
-    return paths;
+    return DroppedFiles::localPaths(urls);
 }
 
 void MainWindowController::filesDropped(const QList<QUrl>& urls)

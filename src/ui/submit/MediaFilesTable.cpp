@@ -1,27 +1,8 @@
 #include "ui/submit/MediaFilesTable.h"
 
-#include "ui/controls/TranscriptTextField.h"
-
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-
-namespace {
-
-// Always a copy: the files stay where they are, whatever the other program would rather do.
-void answer(QDropEvent& event)
-{
-    if (TranscriptTextField::fileNames(event.mimeData()).isEmpty() ||
-        !event.possibleActions().testFlag(Qt::CopyAction)) {
-        event.setDropAction(Qt::IgnoreAction);
-        event.ignore();
-        return;
-    }
-    event.setDropAction(Qt::CopyAction);
-    event.accept();
-}
-
-} // namespace
 
 MediaFilesTable::MediaFilesTable(QWidget* parent) : QTableView(parent)
 {
@@ -38,6 +19,12 @@ MediaFilesTable::MediaFilesTable(QWidget* parent) : QTableView(parent)
     verticalHeader()->hide();
     verticalHeader()->setDefaultSectionSize(verticalHeader()->minimumSectionSize());
     horizontalHeader()->setHighlightSections(false);
+}
+
+void MediaFilesTable::answer(QDropEvent& event) const
+{
+    event.setDropAction(validateDrop ? validateDrop(event.mimeData(), event.possibleActions()) : Qt::IgnoreAction);
+    event.setAccepted(event.dropAction() != Qt::IgnoreAction);
 }
 
 void MediaFilesTable::dragEnterEvent(QDragEnterEvent* event)
@@ -58,8 +45,8 @@ void MediaFilesTable::dragLeaveEvent(QDragLeaveEvent* event)
 void MediaFilesTable::dropEvent(QDropEvent* event)
 {
     answer(*event);
-    if (event->isAccepted())
-        Q_EMIT filesDropped(TranscriptTextField::fileNames(event->mimeData()));
+    if (event->isAccepted() && !acceptDrop(event->mimeData()))
+        event->ignore();
 }
 
 void MediaFilesTable::keyPressEvent(QKeyEvent* event)

@@ -7,10 +7,11 @@
 
 namespace {
 
-QString tr(const char* text)
+// Its tr() is found by the tools that collect the texts to translate.
+struct Texts
 {
-    return QCoreApplication::translate("RateTexts", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RateTexts)
+};
 
 bool isKnown(const QVariant& rate)
 {
@@ -41,7 +42,7 @@ QString RateTexts::hourly(const QVariant& rate)
 {
     if (!isKnown(rate))
         return unknown;
-    return tr("%1 per hour").arg(QString::number(NumberReading::doubleValue(rate), 'f', 2));
+    return Texts::tr("%1 per hour").arg(QString::number(NumberReading::doubleValue(rate), 'f', 2));
 }
 
 QString RateTexts::multiplier(const QVariant& multiplier)
@@ -55,12 +56,12 @@ QString RateTexts::total(const Job& job)
 {
     const QString amount = job.jobTotal();
     if (!amount.isEmpty())
-        return tr("%1 for %2 of recordings").arg(amount, duration(job.totalMediaDuration()));
+        return Texts::tr("%1 for %2 of recordings").arg(amount, duration(job.totalMediaDuration()));
     if (job.mediaFiles().isEmpty())
         return unknown;
     if (!isKnown(rateInEffect(job, job.processingLevel())))
-        return tr("— (price not known)");
-    return tr("— (length of the recordings not known)");
+        return Texts::tr("— (price not known)");
+    return Texts::tr("— (length of the recordings not known)");
 }
 
 QString RateTexts::duration(std::optional<float> seconds)

@@ -3,12 +3,12 @@
 #include "ui_SubmitJobWindow.h"
 
 #include "ui/controls/EmptyStateOverlay.h"
+#include "ui/controls/WheelGuard.h"
 #include "ui/controls/WindowBinding.h"
+#include "ui/submit/CaptionCompleter.h"
 #include "ui/submit/SubmitJobWindowController.h"
 
 #include <QButtonGroup>
-#include <QCalendarWidget>
-#include <QCompleter>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPointer>
@@ -42,6 +42,7 @@ SubmitJobWindow::SubmitJobWindow(SubmitJobWindowController& controller)
     for (QLabel* const note : {m_ui->transcriptMessageLabel, m_ui->mediaMessageLabel}) {
         note->setBackgroundRole(QPalette::ToolTipBase);
         note->setForegroundRole(QPalette::ToolTipText);
+        note->setMargin(fontMetrics().height() / 4);
     }
     setUpTranscript();
     setUpMedia();
@@ -50,6 +51,7 @@ SubmitJobWindow::SubmitJobWindow(SubmitJobWindowController& controller)
     setUpFormat();
     setUpLevels();
     setUpSubmission();
+    WheelGuard::guard(*this);
     connect(&m_controller, &Controller::messagesChanged, this, &SubmitJobWindow::showMessages);
     connect(&m_controller, &Controller::jobValuesChanged, this, &SubmitJobWindow::showJobValues);
     WindowBinding::bind(m_controller, *this);
@@ -95,7 +97,8 @@ void SubmitJobWindow::setUpMedia()
     header.setResizeContentsPrecision(100);
     table.setMinimumWidth(fontMetrics().averageCharWidth() * 48);
     header.setSectionResizeMode(MediaFilesModel::Name, QHeaderView::Stretch);
-    connect(&table, &MediaFilesTable::filesDropped, &m_controller, &Controller::addMediaFiles);
+    table.validateDrop = &Controller::tableViewValidateDrop;
+    table.acceptDrop = [this](const QMimeData* dropped) { return m_controller.tableViewAcceptDrop(dropped); };
     connect(&table, &MediaFilesTable::deletePressed, this, &SubmitJobWindow::deleteSelectedMediaFiles);
     connect(m_ui->addMediaFilesButton, &QPushButton::clicked, &m_controller, &Controller::browseMediaFiles);
     connect(m_ui->deleteSelectedMediaFilesButton, &QPushButton::clicked, this,
@@ -137,39 +140,13 @@ void SubmitJobWindow::setUpDeposition()
 {
     connect(m_ui->deponentFirstNameField, &QLineEdit::textEdited, &m_controller, &Controller::setDeponentFirstName);
     connect(m_ui->deponentLastNameField, &QLineEdit::textEdited, &m_controller, &Controller::setDeponentLastName);
-    // The earliest date stands for none.
-    connect(m_ui->depositionDateEdit, &QDateEdit::dateChanged, this, [this](QDate date) {
-        m_controller.setDepositionDate(date == m_ui->depositionDateEdit->minimumDate() ? QDate() : date);
-    });
-    m_ui->depositionDateEdit->calendarWidget()->installEventFilter(this);
-}
-
-bool SubmitJobWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    // Without a date the calendar opens at today's month.
-    if (event->type() == QEvent::Show && !m_controller.depositionDate().isValid()) {
-        const QDate today = QDate::currentDate();
-        m_ui->depositionDateEdit->calendarWidget()->setCurrentPage(today.year(), today.month());
-    }
-    return QWidget::eventFilter(watched, event);
-}
-
-void SubmitJobWindow::showDate()
-{
-    QDateEdit& edit = *m_ui->depositionDateEdit;
-    const QDate date = m_controller.depositionDate();
-    const QDate shown = date.isValid() ? date : edit.minimumDate();
-    if (edit.date() == shown)
-        return;
-    const QSignalBlocker blocker(edit);
-    edit.setDate(shown);
+    connect(m_ui->depositionDateEdit, &DateField::valueChanged, &m_controller, &Controller::setDepositionDate);
 }
 
 void SubmitJobWindow::setUpCaption()
 {
     QComboBox& field = *m_ui->shortCaptionField;
-    field.completer()->setCompletionMode(QCompleter::PopupCompletion);
-    field.completer()->setCaseSensitivity(Qt::CaseInsensitive);
+    new CaptionCompleter(field); // the field's
     connect(field.lineEdit(), &QLineEdit::textEdited, &m_controller, &Controller::setShortCaption);
     connect(field.lineEdit(), &QLineEdit::editingFinished, this, &SubmitJobWindow::commitCaption);
     connect(&field, &QComboBox::textActivated, &m_controller, &Controller::newShortCaptionEntered);
@@ -187,8 +164,7 @@ void SubmitJobWindow::showCaptions()
     QComboBox& field = *m_ui->shortCaptionField;
     const QSignalBlocker blocker(field);
     const QString text = field.currentText();
-    field.clear();
-    field.addItems(m_controller.shortCaptions());
+    CaptionCompleter::setCaptions(field, m_controller.shortCaptions());
     field.setCurrentIndex(-1);
     field.setEditText(text);
 }
@@ -210,13 +186,17 @@ void SubmitJobWindow::setUpFormat()
 
 void SubmitJobWindow::showFormats()
 {
+    // In place: the list may be open.
     QComboBox& box = *m_ui->deliveryFormatComboBox;
     const QSignalBlocker blocker(box);
-    box.clear();
-    for (const auto& item : m_controller.deliveryFormats()) {
-        box.addItem(item.title, item.deliveryFormat);
-        auto* const items = qobject_cast<QStandardItemModel*>(box.model());
-        items->item(box.count() - 1)->setEnabled(item.isSelectable);
+    const auto formats = m_controller.deliveryFormats();
+    while (box.count() < formats.size())
+        box.addItem(QString());
+    for (int row = 0; row < box.count(); ++row) {
+        const auto& format = formats.at(row);
+        box.setItemText(row, format.title);
+        box.setItemData(row, format.deliveryFormat);
+        qobject_cast<QStandardItemModel*>(box.model())->item(row)->setEnabled(format.isSelectable);
     }
     box.setCurrentIndex(box.findData(m_controller.deliveryFormat()));
 }
@@ -325,7 +305,7 @@ void SubmitJobWindow::showJobValues()
     m_ui->mediaSummaryLabel->setText(m_controller.mediaSummary());
     showText(*m_ui->deponentFirstNameField, m_controller.deponentFirstName());
     showText(*m_ui->deponentLastNameField, m_controller.deponentLastName());
-    showDate();
+    m_ui->depositionDateEdit->setValue(m_controller.depositionDate());
     if (m_ui->shortCaptionField->currentText() != m_controller.shortCaption())
         m_ui->shortCaptionField->setEditText(m_controller.shortCaption());
     m_ui->deliveryFormatComboBox->setCurrentIndex(

@@ -22,7 +22,6 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void setUpTranscript();
@@ -38,7 +37,6 @@ private:
     void showFormats();
     void showLevelRows();
     void showJobValues();
-    void showDate();
     void showLevels();
     void showSubmission();
     void deleteSelectedMediaFiles();

@@ -67,6 +67,7 @@ void SubmitJobWindowController::setJob(const std::shared_ptr<Job>& job)
 {
     m_jobRelay.reset();
     m_job = job;
+    m_givenEntries = entries();
     if (m_job) {
         m_jobRelay = std::make_unique<ChangeRelay>([this] { applyJobChange(); });
         m_jobRelay->follow<MediaObject>(*m_job, &MediaObject::rowChanged);
@@ -78,6 +79,25 @@ void SubmitJobWindowController::setJob(const std::shared_ptr<Job>& job)
     setMediaMessage({});
     Q_EMIT jobChanged();
     Q_EMIT jobValuesChanged();
+}
+
+SubmitJobWindowController::Entries SubmitJobWindowController::entries() const
+{
+    if (!m_job)
+        return {};
+    return {.firstName = m_job->deponentFirstName(),
+            .lastName = m_job->deponentLastName(),
+            .date = m_job->depositionDate().date(),
+            .caption = m_job->shortCaption(),
+            .format = m_job->deliveryFormat(),
+            .level = m_job->processingLevel(),
+            .isRush = m_job->rush(),
+            .isViaInterpreter = m_job->viaInterpreter()};
+}
+
+bool SubmitJobWindowController::hasUnsubmittedWork() const
+{
+    return m_job && (!m_transcriptText.isEmpty() || !m_job->mediaFiles().isEmpty() || entries() != m_givenEntries);
 }
 
 void SubmitJobWindowController::applyJobChange()

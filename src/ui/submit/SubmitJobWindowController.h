@@ -20,6 +20,7 @@ class ApplicationController;
 class AudioExtractor;
 class ChangeRelay;
 class CUrlCommand;
+class QMimeData;
 
 // The logic of the window in which one new job is put together. The job stays when the window closes, until a
 // submission replaces it. Main thread, but for the threads that read the recordings; its end waits for those.
@@ -68,6 +69,8 @@ public:
     // Null until the window first opens.
     [[nodiscard]] std::shared_ptr<Job> job() const { return m_job; }
     void setJob(const std::shared_ptr<Job>& job);
+    // The user has entered something that no submission has taken yet.
+    [[nodiscard]] bool hasUnsubmittedWork() const;
     [[nodiscard]] bool isLOGDeliveryFormatAvailable() const { return m_isLOGDeliveryFormatAvailable; }
     [[nodiscard]] bool isGettingRatesInProgress() const { return m_isGettingRatesInProgress; }
     [[nodiscard]] bool isJobCouldBeSubmitted() const { return m_isJobCouldBeSubmitted; }
@@ -92,6 +95,10 @@ public:
     void browseMediaFiles();
     // `selected` are the rows chosen in the list.
     void deleteSelectedMediaFiles(const Job::MediaFiles& selected);
+    // A drag over the list: a copy of files of this computer, and nothing else.
+    [[nodiscard]] static Qt::DropAction tableViewValidateDrop(const QMimeData* data, Qt::DropActions offered);
+    // False where the drop carries no files.
+    bool tableViewAcceptDrop(const QMimeData* data);
     // Dropped on the main window: the last transcript becomes the job's, the others are added as recordings.
     void addDroppedFiles(const QStringList& paths);
     [[nodiscard]] MediaFilesModel& mediaFilesModel() { return m_mediaFilesModel; }
@@ -189,6 +196,22 @@ Q_SIGNALS:
     void messagesChanged();
 
 private:
+    // What can be entered without a file.
+    struct Entries
+    {
+        QString firstName;
+        QString lastName;
+        QDate date;
+        QString caption;
+        int format = DeliveryFormatAll;
+        int level = ProcessingLevelAutoSync;
+        bool isRush = false;
+        bool isViaInterpreter = false;
+
+        bool operator==(const Entries&) const = default;
+    };
+    [[nodiscard]] Entries entries() const;
+
     void awakeFromNib();
     void askService();
     void post(const std::shared_ptr<CUrlCommand>& command);
@@ -212,6 +235,7 @@ private:
 
     ApplicationController& m_application;
     std::shared_ptr<Job> m_job;
+    Entries m_givenEntries; // those that the job came with
     std::unique_ptr<ChangeRelay> m_jobRelay;
     MediaFilesModel m_mediaFilesModel;
     bool m_isLOGDeliveryFormatAvailable = false;

@@ -8,6 +8,7 @@
 #include "transcript/TranscriptPrefill.h"
 #include "ui/ApplicationController.h"
 #include "ui/UserDialogs.h"
+#include "ui/controls/DroppedFiles.h"
 #include "ui/submit/SubmitJobWindowController.h"
 
 #include <QFileInfo>
@@ -128,8 +129,10 @@ QString SubmitJobWindowController::transcriptMessage() const
         return {};
     QString message;
     if (!m_transcriptText.isEmpty()) {
-        message = QFileInfo(m_transcriptText).isDir() ? tr("This is a folder, not a transcript.")
-                                                      : tr("There is no file at this path.");
+        const QFileInfo file(m_transcriptText);
+        message = file.isDir()    ? tr("This is a folder, not a transcript.")
+                  : file.exists() ? tr("This is no file that can be sent.")
+                                  : tr("There is no file at this path.");
     }
     if (!m_transcriptFile.isEmpty()) {
         message += message.isEmpty() ? QString() : QStringLiteral(" ");
@@ -203,19 +206,36 @@ void SubmitJobWindowController::addDroppedFiles(const QStringList& paths)
 {
     if (!m_job)
         setJob(Job::job());
-    QString transcript;
+    QStringList transcripts;
     QStringList recordings;
     for (const QString& path : paths) {
         const bool isTranscript = TranscriptFileType::isKnown(PathText::pathExtension(path));
-        if (isTranscript && QFileInfo(path).isFile())
-            transcript = path;
-        else
-            recordings.append(path);
+        (isTranscript && QFileInfo(path).isFile() ? transcripts : recordings).append(path);
     }
-    if (!transcript.isEmpty())
-        addTranscriptFile(transcript);
+    if (!transcripts.isEmpty())
+        addTranscriptFile(transcripts.last());
+    if (transcripts.size() > 1)
+        setTranscriptRemark(tr("A job has one transcript. Of the %1 that were dropped, %2 was taken.")
+                                .arg(transcripts.size())
+                                .arg(shortName(transcripts.last())));
     if (!recordings.isEmpty())
         addMediaFiles(recordings);
+}
+
+Qt::DropAction SubmitJobWindowController::tableViewValidateDrop(const QMimeData* data, Qt::DropActions offered)
+{
+    // Always a copy: the files stay where they are, whatever the other program would rather do.
+    return offered.testFlag(Qt::CopyAction) && !DroppedFiles::localPaths(data).isEmpty() ? Qt::CopyAction
+                                                                                         : Qt::IgnoreAction;
+}
+
+bool SubmitJobWindowController::tableViewAcceptDrop(const QMimeData* data)
+{
+    const QStringList paths = DroppedFiles::localPaths(data);
+    if (paths.isEmpty())
+        return false;
+    addMediaFiles(paths);
+    return true;
 }
 
 void SubmitJobWindowController::setMediaMessage(const QString& message)

@@ -1,6 +1,7 @@
 #include "ui/controls/TranscriptTextField.h"
 
 #include "support/Waiting.h"
+#include "ui/controls/DroppedFiles.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -117,8 +118,8 @@ TEST_F(TranscriptTextFieldTest, ADragWithoutFileNamesIsRefusedAndChangesNothing)
             EXPECT_EQ(dragOver(*data).second, Qt::IgnoreAction);
             EXPECT_FALSE(drop(*data));
         }
-        EXPECT_FALSE(TranscriptTextView::performDrop(field, TranscriptTextField::fileNames(text.get())));
-        EXPECT_FALSE(TranscriptTextView::performDrop(field, TranscriptTextField::fileNames(nullptr)));
+        EXPECT_FALSE(TranscriptTextView::performDrop(field, DroppedFiles::localPaths(text.get())));
+        EXPECT_FALSE(TranscriptTextView::performDrop(field, DroppedFiles::localPaths(nullptr)));
     }
     EXPECT_EQ(field.text(), u"before"_s);
     EXPECT_EQ(entered.count(), 0);
@@ -132,6 +133,21 @@ TEST_F(TranscriptTextFieldTest, DroppingThreeFilesTakesTheThirdAndEntersIt)
     EXPECT_EQ(field.text(), u"/cases/three.txt"_s);
     EXPECT_EQ(entered.count(), 1);
     EXPECT_EQ(edited.count(), 0);
+}
+
+TEST_F(TranscriptTextFieldTest, AnEditGoesOnWhileAnotherWindowIsInFront)
+{
+    ASSERT_TRUE(beginEditing());
+    QTest::keyClicks(&field, u"/half"_s);
+    QWidget fileManager;
+    fileManager.show();
+    QApplication::setActiveWindow(&fileManager);
+    ASSERT_FALSE(field.hasFocus());
+    EXPECT_TRUE(drop(*files(threeFiles)));
+    EXPECT_EQ(field.text(), u"/cases/three.txt"_s);
+    EXPECT_EQ(entered.count(), 0);
+    field.undo();
+    EXPECT_EQ(field.text(), u"/half"_s);
 }
 
 TEST_F(TranscriptTextFieldTest, APathIsAlreadyInTheFieldWhenItIsEntered)

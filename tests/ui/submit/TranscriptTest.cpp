@@ -238,6 +238,9 @@ TEST_F(SubmitTranscript, OfFilesDroppedOnTheMainWindowTheLastTranscriptWinsAndTh
     EXPECT_EQ(job().transcriptFile(), path(u"b.ptx"_s));
     EXPECT_EQ(namesOfRecordings(), QStringList({u"two.wav"_s, u"one.mov"_s}));
     EXPECT_TRUE(controller.isJobCouldBeSubmitted());
+    EXPECT_EQ(controller.transcriptMessage(),
+              u"A job has one transcript. Of the 2 that were dropped, b.ptx was taken."_s);
+    EXPECT_EQ(controller.mediaMessage(), u"gone.txt does not exist any more."_s);
     expectWarnings({});
 }
 

@@ -5,6 +5,7 @@
 #include <QAbstractItemView>
 #include <QCalendarWidget>
 #include <QCompleter>
+#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -169,6 +170,41 @@ TEST_F(SubmitWindowForm, WithoutADateTheCalendarOpensAtToday)
     EXPECT_EQ(calendar->monthShown(), QDate::currentDate().month());
 }
 
+TEST_F(SubmitWindowForm, ACaptionKeepsTheLetterCaseInWhichItIsTyped)
+{
+    controller.newShortCaptionEntered(u"Smith v. Jones"_s);
+    enter(*caption().lineEdit());
+    caption().lineEdit()->selectAll();
+    QTest::keyClicks(caption().lineEdit(), u"SMITH V. JONES"_s);
+    caption().completer()->popup()->hide();
+    enter(find(u"deponentFirstNameField"_s));
+    EXPECT_EQ(caption().currentText(), u"SMITH V. JONES"_s);
+    EXPECT_EQ(job().shortCaption(), u"SMITH V. JONES"_s);
+    EXPECT_EQ(controller.shortCaptions(), QStringList({u"Smith v. Jones"_s, u"SMITH V. JONES"_s}));
+}
+
+TEST_F(SubmitWindowForm, AWheelOnItsWayOverTheFormChangesNothing)
+{
+    controller.newShortCaptionEntered(u"Doe v. Roe"_s);
+    controller.newShortCaptionEntered(u"Smith v. Jones"_s);
+    enter(*caption().lineEdit());
+    QTest::keyClicks(caption().lineEdit(), u" and others"_s);
+    const auto turn = [](QWidget& over) {
+        QWheelEvent event(QPointF(2, 2), over.mapToGlobal(QPointF(2, 2)), QPoint(), QPoint(0, -120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&over, &event);
+    };
+    turn(caption());
+    turn(formats());
+    turn(date());
+    EXPECT_EQ(job().shortCaption(), u"Smith v. Jones and others"_s);
+    EXPECT_EQ(job().deliveryFormat(), DeliveryFormatAll);
+    EXPECT_EQ(date().date(), QDate::currentDate());
+    enter(formats());
+    turn(formats());
+    EXPECT_EQ(job().deliveryFormat(), DeliveryFormatASCII) << "with the keyboard it is meant";
+}
+
 TEST_F(SubmitWindowForm, CaptionsEnteredBeforeAreOffered)
 {
     enter(*caption().lineEdit());
@@ -184,6 +220,8 @@ TEST_F(SubmitWindowForm, CaptionsEnteredBeforeAreOffered)
     EXPECT_EQ(caption().completer()->completionCount(), 1);
     EXPECT_EQ(caption().completer()->currentCompletion(), u"Doe v. Roe"_s);
     caption().completer()->popup()->hide();
+    QTest::keyClick(caption().lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(job().shortCaption(), u"doe"_s);
     caption().setCurrentIndex(0);
     Q_EMIT caption().textActivated(caption().currentText());
     EXPECT_EQ(job().shortCaption(), u"Doe v. Roe"_s);

@@ -168,8 +168,8 @@ TEST_F(SubmitWindowSubmitting, TheTabKeyGoesThroughTheFormFromTopToBottom)
                                u"depositionDateEdit"_s,     u"shortCaptionField"_s,
                                u"deliveryFormatComboBox"_s, u"customizeFormatTextField"_s,
                                u"processingLevel0"_s,       u"rushCheckBox"_s,
-                               u"viaInterpreterCheckBox"_s, u"submitButton"_s,
-                               u"submitAndNewButton"_s,     u"cancelButton"_s};
+                               u"viaInterpreterCheckBox"_s, u"cancelButton"_s,
+                               u"submitAndNewButton"_s,     u"submitButton"_s};
     enter(find(expected.first()));
     QStringList visited{expected.first()};
     for (int key = 0; key < 40 && visited.last() != expected.last(); ++key) {

@@ -5,16 +5,23 @@
 #include <QList>
 #include <QPair>
 
+#include <functional>
+
 // Dialogs that a test answers beforehand. A choice without an answer left is cancelled; a question without one gets
 // the alternate button. What was asked is kept.
 class ScriptedDialogs : public UserDialogs
 {
 public:
-    void warn(const QString& title, const QString& text) override { warnings.append({title, text}); }
+    void warn(const QString& title, const QString& text) override
+    {
+        warnings.append({title, text});
+        whileShown();
+    }
 
     bool ask(const Question& question) override
     {
         questions.append(question);
+        whileShown();
         return answers.isEmpty() ? false : answers.takeFirst();
     }
 
@@ -31,6 +38,8 @@ public:
         return nextChoice(title, folder);
     }
 
+    // What happens while a warning or a question is in front of the user.
+    std::function<void()> whileShown = [] {};
     // Answers to come: true is the default button, no list is "Cancel".
     QList<bool> answers;
     QList<std::optional<QStringList>> choices;

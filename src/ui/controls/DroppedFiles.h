@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+#include <QUrl>
+
+class QMimeData;
+
+// What a drag brings from a file manager. Any thread.
+namespace DroppedFiles {
+
+// The paths of those that are files of this computer, in their order.
+[[nodiscard]] QStringList localPaths(const QList<QUrl>& urls);
+// Of a drag that carries files; empty for any other, and for none.
+[[nodiscard]] QStringList localPaths(const QMimeData* data);
+
+} // namespace DroppedFiles
