@@ -76,7 +76,7 @@ private:
     std::shared_ptr<FileLogger> m_fileLogger;
 };
 
-// Writes out what is buffered once a second, so that a viewer of the file sees quiet times too.
+// Writes out what is buffered several times a second, so that whoever follows the file sees quiet times too.
 class PeriodicFlush
 {
 public:
@@ -84,7 +84,7 @@ public:
         : m_thread([this, flushed = std::move(logger)] {
               prctl(PR_SET_NAME, "log flush");
               std::unique_lock lock(m_mutex);
-              while (!m_wake.wait_for(lock, std::chrono::seconds(1), [this] { return m_isEnding; }))
+              while (!m_wake.wait_for(lock, std::chrono::milliseconds(250), [this] { return m_isEnding; }))
                   flushed->flush();
           })
     {}

@@ -95,7 +95,6 @@ void ErrorWindow::setUpActions()
     connect(m_ui->clearLogButton, &QPushButton::clicked, &m_controller, &ErrorWindowController::clearLogButtonPressed);
     connect(m_ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
 }
 
 void ErrorWindow::showSummary()

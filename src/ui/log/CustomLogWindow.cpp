@@ -62,7 +62,10 @@ void CustomLogWindow::setUpText()
     view.setTextCursor(cursor);
 
     QScrollBar& bar = *view.verticalScrollBar();
-    connect(&bar, &QScrollBar::valueChanged, this, &CustomLogWindow::tellWhereViewIs);
+    connect(&bar, &QScrollBar::valueChanged, this, [this] {
+        m_topLine = m_ui->logTextView->cursorForPosition(QPoint());
+        tellWhereViewIs();
+    });
     connect(&view, &QPlainTextEdit::selectionChanged, this, &CustomLogWindow::tellWhereViewIs);
     connect(&bar, &QScrollBar::rangeChanged, this, [this] {
         if (m_controller.isFollowing())
@@ -73,7 +76,10 @@ void CustomLogWindow::setUpText()
             markMatches();
     });
     connect(&m_controller, &CustomLogWindowController::scrollToBottomRequested, this, &CustomLogWindow::scrollToBottom);
-    connect(&m_controller, &CustomLogWindowController::textAppended, this, &CustomLogWindow::markMatches);
+    connect(&m_controller, &CustomLogWindowController::textAppended, this, [this] {
+        keepPlace();
+        markMatches();
+    });
 }
 
 void CustomLogWindow::setUpSearch()
@@ -116,7 +122,6 @@ void CustomLogWindow::setUpButtons()
     connect(m_ui->followButton, &QPushButton::clicked, &m_controller, &CustomLogWindowController::follow);
     connect(&m_controller, &CustomLogWindowController::followingChanged, m_ui->followButton, &QWidget::setHidden);
     connect(m_ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     connect(&m_controller, &CustomLogWindowController::stateTextChanged, this, &CustomLogWindow::showState);
 }
 
@@ -125,6 +130,15 @@ void CustomLogWindow::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (m_controller.isFollowing())
         scrollToBottom();
+}
+
+// Where the oldest lines go, those that the user reads move up in the text; the view moves with them.
+void CustomLogWindow::keepPlace()
+{
+    if (m_controller.isFollowing() || m_topLine.isNull())
+        return;
+    const QScopedValueRollback scrolling(m_isScrolling, true);
+    m_ui->logTextView->verticalScrollBar()->setValue(m_topLine.block().firstLineNumber());
 }
 
 void CustomLogWindow::tellWhereViewIs()

@@ -2,6 +2,7 @@
 
 #include "ui/log/LogSearch.h"
 
+#include <QTextCursor>
 #include <QWidget>
 
 #include <memory>
@@ -27,6 +28,7 @@ private:
     void setUpText();
     void setUpSearch();
     void setUpButtons();
+    void keepPlace();
     void tellWhereViewIs();
     void scrollToBottom();
     void showState();
@@ -39,4 +41,5 @@ private:
     CustomLogWindowController& m_controller;
     std::unique_ptr<Ui::CustomLogWindow> m_ui;
     bool m_isScrolling = false;
+    QTextCursor m_topLine; // of the view
 };

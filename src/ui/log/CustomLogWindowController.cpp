@@ -94,7 +94,7 @@ void CustomLogWindowController::append(const QString& text)
         oldest.setPosition(kept.isValid() ? kept.position() : tooMany, QTextCursor::KeepAnchor);
         oldest.removeSelectedText();
     }
-    recount();
+    recount(); // what the search stands at has moved, too
     Q_EMIT textAppended(text);
     if (wasFollowing)
         scrollToBottom();
@@ -139,6 +139,7 @@ void CustomLogWindowController::setSearchText(const QString& text)
         return;
     m_searchText = text;
     m_matchNumber = 0;
+    m_match.clearSelection();
     m_isSearching = m_isSearching || !text.isEmpty();
     m_matchCount = LogSearch(m_logText).count(m_searchText);
     Q_EMIT searchChanged();
@@ -148,11 +149,17 @@ void CustomLogWindowController::recount()
 {
     if (m_searchText.isEmpty())
         return;
-    const qsizetype count = LogSearch(m_logText).count(m_searchText);
-    if (count == m_matchCount)
+    const LogSearch search(m_logText);
+    const qsizetype count = search.count(m_searchText);
+    const qsizetype number =
+        m_match.hasSelection()
+            ? search.numberOf(m_searchText, {.position = m_match.selectionStart(),
+                                             .length = m_match.selectionEnd() - m_match.selectionStart()})
+            : 0;
+    if (count == m_matchCount && number == m_matchNumber)
         return;
     m_matchCount = count;
-    m_matchNumber = qMin(m_matchNumber, count);
+    m_matchNumber = number;
     Q_EMIT searchChanged();
 }
 
@@ -185,12 +192,19 @@ void CustomLogWindowController::escapePressed()
     m_searchText.clear();
     m_matchCount = 0;
     m_matchNumber = 0;
+    m_match.clearSelection();
     Q_EMIT searchChanged();
 }
 
 std::optional<LogSearch::Match> CustomLogWindowController::select(std::optional<LogSearch::Match> match)
 {
     m_matchNumber = match ? LogSearch(m_logText).numberOf(m_searchText, *match) : 0;
+    m_match = QTextCursor(&m_logText);
+    m_match.setKeepPositionOnInsert(true);
+    if (match) {
+        m_match.setPosition(match->position);
+        m_match.setPosition(match->position + match->length, QTextCursor::KeepAnchor);
+    }
     Q_EMIT searchChanged();
     return match;
 }

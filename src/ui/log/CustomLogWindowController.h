@@ -5,6 +5,7 @@
 #include "ui/log/LogSearch.h"
 
 #include <QStringDecoder>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTimer>
 
@@ -98,5 +99,6 @@ private:
     bool m_isSearching = false;
     QString m_searchText;
     qsizetype m_matchCount = 0;
-    qsizetype m_matchNumber = 0; // of the match selected last, 0 for none
+    QTextCursor m_match;         // selected last; nothing for none
+    qsizetype m_matchNumber = 0; // of that, 0 for none
 };

@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
+#include <QTextBlock>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -137,6 +138,24 @@ TEST_F(CustomLogWindowTest, AUserWhoScrolledUpKeepsTheirPlaceAndIsOfferedToFollo
     write("and one more\n");
     ASSERT_TRUE(shows(u"and one more"_s));
     EXPECT_TRUE(isAtBottom());
+}
+
+TEST_F(CustomLogWindowTest, TheLinesThatAreReadStayInSightWhileTheOldestGo)
+{
+    application.logger = std::make_shared<FileLogger>(path(u"large"_s), /*maximumFileSize=*/10'000'000);
+    for (int i = 0; i < CustomLogWindowController::maximumLines; ++i)
+        application.logger->append(fmt::format("{}\n", i));
+    application.logger->flush();
+    open();
+    ASSERT_TRUE(shows(u"49998"_s));
+    bar->setValue(5000);
+    const QString read = view->cursorForPosition(QPoint()).block().text();
+    for (int i = 0; i < 100; ++i)
+        application.logger->append("new\n");
+    write("the newest line\n");
+    ASSERT_TRUE(shows(u"the newest line"_s));
+    EXPECT_EQ(view->cursorForPosition(QPoint()).block().text(), read);
+    EXPECT_FALSE(controller->isFollowing());
 }
 
 TEST_F(CustomLogWindowTest, ScrollingBackToTheBottomFollowsAgain)
