@@ -174,6 +174,9 @@ void LoginWindowController::post(const std::shared_ptr<CUrlCommand>& command, co
 void LoginWindowController::endWaiting()
 {
     m_request.reset();
+    // What an earlier request came to is over; it is not to be shown, or spoken, once more before the new outcome.
+    m_loginResultString.clear();
+    m_failureDetail.clear();
     m_waitingForResponse = false;
     Q_EMIT waitingForResponseChanged();
     Q_EMIT messageChanged();

@@ -169,6 +169,19 @@ TEST_F(LoginControllerTest, AnyOtherReplyIsShownInTheServicesWords)
     EXPECT_TRUE(application.presented.isEmpty()); // a refusal is no error
 }
 
+TEST_F(LoginControllerTest, AnEarlierRefusalIsNotShownAgainWhenTheNextRequestSucceeds)
+{
+    controller.performLogin();
+    controller.processLoginResponse(u"Invalid user name or password"_s);
+    controller.performLogin();
+    QStringList shown;
+    QObject::connect(&controller, &LoginWindowController::messageChanged, &controller,
+                     [&] { shown << controller.messageText(); });
+    controller.processLoginResponse(u"OK: 1"_s);
+    EXPECT_EQ(application.logins.size(), 1);
+    EXPECT_FALSE(shown.contains(u"Invalid user name or password"_s));
+}
+
 TEST_F(LoginControllerTest, ARefusalWithoutWordsIsSaidToBeOne)
 {
     for (const QString& reply : {u""_s, u" \r\n"_s}) {
