@@ -3,6 +3,7 @@
 #include "ui_PreferencesWindow.h"
 
 #include "ui/controls/QuillpostIcons.h"
+#include "ui/controls/WheelGuard.h"
 #include "ui/controls/WindowBinding.h"
 #include "ui/preferences/PreferencesWindowController.h"
 
@@ -51,6 +52,7 @@ PreferencesWindow::PreferencesWindow(PreferencesWindowController& controller)
     const auto* escape = new QShortcut(QKeySequence::Cancel, this);
     connect(escape, &QShortcut::activated, &m_controller, &PreferencesWindowController::close);
     WindowBinding::bind(m_controller, *this);
+    WheelGuard::guard(*this);
     // A long path is elided rather than asked room for.
     resize(minimumWidth(), layout()->totalHeightForWidth(minimumWidth()));
 }
@@ -79,6 +81,8 @@ void PreferencesWindow::bindDeliveryFolder()
     connect(m_ui->resetDeliveryFolderButton, &QPushButton::clicked, &m_controller, &Controller::resetDeliveryFolder);
     const auto showFolder = [this] {
         m_ui->deliveryFolderLabel->setText(m_controller.deliveryFolderText());
+        m_ui->deliveryFolderProblemLabel->setText(m_controller.deliveryFolderProblem());
+        m_ui->deliveryFolderProblemLabel->setVisible(!m_controller.deliveryFolderProblem().isEmpty());
         m_ui->resetDeliveryFolderButton->setEnabled(m_controller.isResetEnabled());
     };
     connect(&m_controller, &Controller::deliveryFolderChanged, this, showFolder);

@@ -43,11 +43,17 @@ PreferencesWindowController::PreferencesWindowController(ApplicationController& 
 void PreferencesWindowController::awakeFromNib(int processorCount)
 {
     setNumOfProcessingCores(std::max(processorCount, 1));
+    bindSettings();
+}
+
+void PreferencesWindowController::showWindow()
+{
     UserDefaults& defaults = m_application.userDefaults();
     // Lowered, never raised: more processes than cores only slow each other down.
     if (NumberReading::intValue(defaults.value(SettingsKey::MaxNumberOfFfmpegProcesses)) > m_numOfProcessingCores)
-        defaults.setValue(SettingsKey::MaxNumberOfFfmpegProcesses, m_numOfProcessingCores);
-    bindSettings();
+        store(SettingsKey::MaxNumberOfFfmpegProcesses, m_numOfProcessingCores);
+    checkDeliveryFolder();
+    WindowController::showWindow();
 }
 
 void PreferencesWindowController::bindSettings()
@@ -55,7 +61,7 @@ void PreferencesWindowController::bindSettings()
     UserDefaults& defaults = m_application.userDefaults();
     defaults.bind(SettingsKey::DeliveryFolderPath, this, [this](const QVariant& value) {
         m_deliveryFolderPath = value.toString();
-        Q_EMIT deliveryFolderChanged();
+        checkDeliveryFolder();
     });
     defaults.bind(SettingsKey::MaxNumberOfFfmpegProcesses, this, [this](const QVariant& value) {
         m_maxNumberOfFfmpegProcesses = NumberReading::intValue(value);
@@ -153,6 +159,17 @@ void PreferencesWindowController::setIsDownloadJobsOnlyFromThisMachine(bool only
 QString PreferencesWindowController::deliveryFolderText() const
 {
     return m_deliveryFolderPath.isEmpty() ? tr("No folder chosen") : m_deliveryFolderPath;
+}
+
+void PreferencesWindowController::checkDeliveryFolder()
+{
+    m_deliveryFolderProblem.clear();
+    if (!m_deliveryFolderPath.isEmpty() && !QFileInfo::exists(m_deliveryFolderPath))
+        m_deliveryFolderProblem = tr("This folder is not there yet. It is made when a job is delivered.");
+    else if (!m_deliveryFolderPath.isEmpty() && !canBeWritten(m_deliveryFolderPath))
+        m_deliveryFolderProblem =
+            tr("Quillpost cannot write into this folder. Finished jobs cannot be delivered until it can.");
+    Q_EMIT deliveryFolderChanged();
 }
 
 bool PreferencesWindowController::isResetEnabled() const

@@ -18,6 +18,7 @@ class PreferencesWindowController : public WindowController
                    numOfProcessingCoresChanged)
     Q_PROPERTY(QString deliveryFolderPath READ deliveryFolderPath NOTIFY deliveryFolderChanged)
     Q_PROPERTY(QString deliveryFolderText READ deliveryFolderText NOTIFY deliveryFolderChanged)
+    Q_PROPERTY(QString deliveryFolderProblem READ deliveryFolderProblem NOTIFY deliveryFolderChanged)
     Q_PROPERTY(bool isResetEnabled READ isResetEnabled NOTIFY deliveryFolderChanged)
     Q_PROPERTY(int maxNumberOfFfmpegProcesses READ maxNumberOfFfmpegProcesses WRITE setMaxNumberOfFfmpegProcesses NOTIFY
                    maxNumberOfFfmpegProcessesChanged)
@@ -43,6 +44,9 @@ public:
     explicit PreferencesWindowController(ApplicationController& application,
                                          int processorCount = Preferences::detectedProcessorCount());
 
+    // Lowers the stored ffmpeg limit to the number of cores, and looks at the delivery folder anew.
+    void showWindow() override;
+
     // At least 1.
     [[nodiscard]] int numOfProcessingCores() const { return m_numOfProcessingCores; }
     void setNumOfProcessingCores(int numOfProcessingCores);
@@ -50,6 +54,8 @@ public:
     [[nodiscard]] QString deliveryFolderPath() const { return m_deliveryFolderPath; }
     // The path, or words for none.
     [[nodiscard]] QString deliveryFolderText() const;
+    // What keeps jobs from being delivered there, or will be done first; empty for nothing.
+    [[nodiscard]] QString deliveryFolderProblem() const { return m_deliveryFolderProblem; }
     // The user chose a folder, so there is something to go back from.
     [[nodiscard]] bool isResetEnabled() const;
 
@@ -86,12 +92,14 @@ Q_SIGNALS:
 private:
     void awakeFromNib(int processorCount);
     void bindSettings();
+    void checkDeliveryFolder();
     void store(const QString& key, const QVariant& value);
     void writeOut();
 
     ApplicationController& m_application;
     int m_numOfProcessingCores = 1;
     QString m_deliveryFolderPath;
+    QString m_deliveryFolderProblem;
     int m_maxNumberOfFfmpegProcesses = 1;
     int m_maxNumberOfUploads = 1;
     bool m_autoDeleteTempFiles = false;

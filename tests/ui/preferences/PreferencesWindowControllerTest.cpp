@@ -44,7 +44,9 @@ protected:
 TEST_F(PreferencesControllerTest, AStoredLimitAboveTheCoresIsLoweredToThem)
 {
     defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, 8);
-    const Controller controller(application, 4);
+    Controller controller(application, 4);
+    EXPECT_EQ(stored(SettingsKey::MaxNumberOfFfmpegProcesses), 8) << "not before the window opens";
+    controller.showWindow();
     EXPECT_EQ(stored(SettingsKey::MaxNumberOfFfmpegProcesses), 4);
     EXPECT_EQ(controller.maxNumberOfFfmpegProcesses(), 4);
     EXPECT_EQ(controller.numOfProcessingCores(), 4);
@@ -54,7 +56,8 @@ TEST_F(PreferencesControllerTest, AStoredLimitUpToTheCoresStays)
 {
     for (const int limit : {2, 4, 1}) {
         defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, limit);
-        const Controller controller(application, 4);
+        Controller controller(application, 4);
+        controller.showWindow();
         EXPECT_EQ(stored(SettingsKey::MaxNumberOfFfmpegProcesses), limit);
     }
 }
@@ -62,23 +65,36 @@ TEST_F(PreferencesControllerTest, AStoredLimitUpToTheCoresStays)
 TEST_F(PreferencesControllerTest, ALimitStoredAsTextIsReadAsItsNumber)
 {
     defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, u"8 of them"_s);
-    const Controller controller(application, 4);
+    Controller controller(application, 4);
+    controller.showWindow();
     EXPECT_EQ(stored(SettingsKey::MaxNumberOfFfmpegProcesses), 4);
 }
 
 TEST_F(PreferencesControllerTest, AnUnknownNumberOfCoresIsOne)
 {
     for (const int count : {0, -1}) {
-        const Controller controller(application, count);
+        Controller controller(application, count);
+        controller.showWindow();
         EXPECT_EQ(controller.numOfProcessingCores(), 1);
         EXPECT_EQ(stored(SettingsKey::MaxNumberOfFfmpegProcesses), 1); // the default was 3
         EXPECT_TRUE(controller.ffmpegHint().contains(u"one processor core"_s));
     }
 }
 
+TEST_F(PreferencesControllerTest, ALimitThatIsRaisedElsewhereIsLoweredWhenTheWindowOpensAgain)
+{
+    Controller controller(application, 4);
+    controller.showWindow();
+    defaults().setValue(SettingsKey::MaxNumberOfFfmpegProcesses, 9);
+    controller.showWindow();
+    EXPECT_EQ(stored(SettingsKey::MaxNumberOfFfmpegProcesses), 4);
+    EXPECT_EQ(controller.ffmpegRange(), (Controller::Range{1, 4}));
+}
+
 TEST_F(PreferencesControllerTest, OpeningTheWindowStoresNothing)
 {
-    const Controller controller(application, 4);
+    Controller controller(application, 4);
+    controller.showWindow();
     for (const QString& key :
          {SettingsKey::MaxNumberOfFfmpegProcesses, SettingsKey::MaxNumberOfUploads, SettingsKey::DeliveryFolderPath,
           SettingsKey::AutoDeleteTempFiles, SettingsKey::IsDownloadJobsOnlyFromThisMachine})
@@ -180,6 +196,26 @@ TEST_F(PreferencesControllerTest, TheChosenFolderIsStoredWithItsBookmark)
     controller.changeDeliveryFolder();
     EXPECT_EQ(application.scriptedDialogs.chosen[1].second, folder);
     EXPECT_EQ(Bookmark::resolve(bookmark().toByteArray()).path, other);
+}
+
+TEST_F(PreferencesControllerTest, AFolderThatCannotTakeFilesIsSaidToBeOne)
+{
+    const QString folder = makeFolder(u"Finished work"_s);
+    defaults().setValue(SettingsKey::DeliveryFolderPath, folder);
+    Controller controller(application, 4);
+    controller.showWindow();
+    EXPECT_EQ(controller.deliveryFolderProblem(), QString());
+    ASSERT_TRUE(QDir().rmdir(folder));
+    controller.showWindow();
+    EXPECT_EQ(controller.deliveryFolderProblem(),
+              u"This folder is not there yet. It is made when a job is delivered."_s);
+    writeFile(u"Finished work"_s, "now a file");
+    controller.showWindow();
+    EXPECT_EQ(controller.deliveryFolderProblem(),
+              u"Quillpost cannot write into this folder. Finished jobs cannot be delivered until it can."_s);
+    (void)makeFolder(u"Quillpost"_s);
+    controller.resetDeliveryFolder();
+    EXPECT_EQ(controller.deliveryFolderProblem(), QString());
 }
 
 TEST_F(PreferencesControllerTest, CancellingLeavesPathAndBookmark)
