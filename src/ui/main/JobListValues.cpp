@@ -14,10 +14,11 @@
 
 namespace {
 
-QString tr(const char* text)
+// Its tr() is found by the tools that collect the texts to translate.
+struct Texts
 {
-    return QCoreApplication::translate("JobListValues", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(JobListValues)
+};
 
 template <typename Value>
 QVariant variant(const std::optional<Value>& value)
@@ -146,12 +147,13 @@ QString JobListValues::accessibleText(const std::shared_ptr<MediaObject>& object
     const QString shown = display(object, column).toString();
     switch (column) {
     case JobListColumn::Progress:
-        return isProgressVisible(*object) ? tr("%1 %").arg(static_cast<int>(std::floor(fractionDone(*object) * 100)))
-                                          : QString();
+        return isProgressVisible(*object)
+                   ? Texts::tr("%1 %").arg(static_cast<int>(std::floor(fractionDone(*object) * 100)))
+                   : QString();
     case JobListColumn::Accuracy:
-        return shown.isEmpty() ? QString() : tr("Accuracy %1").arg(shown);
+        return shown.isEmpty() ? QString() : Texts::tr("Accuracy %1").arg(shown);
     case JobListColumn::JobNumber:
-        return shown.isEmpty() ? QString() : tr("Job number %1").arg(shown);
+        return shown.isEmpty() ? QString() : Texts::tr("Job number %1").arg(shown);
     case JobListColumn::Name:
     case JobListColumn::Status:
     case JobListColumn::Duration:
@@ -168,7 +170,7 @@ QString JobListValues::toolTip(const std::shared_ptr<MediaObject>& object, JobLi
         if (const QString path = filePath(*object); !path.isEmpty())
             text += u'\n' + path;
     } else if (column == JobListColumn::Accuracy && !text.isEmpty()) {
-        text = tr("%1 (score %2)").arg(text).arg(object->scoreValue().value_or(0));
+        text = Texts::tr("%1 (score %2)").arg(text).arg(object->scoreValue().value_or(0));
     }
     return text.isEmpty() ? QString() : PlainText::toolTip(text);
 }
@@ -177,19 +179,19 @@ QString JobListValues::columnTitle(JobListColumn column)
 {
     switch (column) {
     case JobListColumn::Name:
-        return tr("Name");
+        return Texts::tr("Name");
     case JobListColumn::Status:
-        return tr("Status");
+        return Texts::tr("Status");
     case JobListColumn::Progress:
-        return tr("Progress");
+        return Texts::tr("Progress");
     case JobListColumn::Accuracy:
-        return tr("Accuracy");
+        return Texts::tr("Accuracy");
     case JobListColumn::JobNumber:
-        return tr("Job Number");
+        return Texts::tr("Job Number");
     case JobListColumn::Duration:
-        return tr("Duration");
+        return Texts::tr("Duration");
     case JobListColumn::DeliveryFormat:
-        return tr("Delivery Format");
+        return Texts::tr("Delivery Format");
     }
     return {};
 }

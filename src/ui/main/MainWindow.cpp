@@ -176,7 +176,9 @@ void MainWindow::bindRowActions()
     auto* const rowMenu = new QMenu(&list);
     rowMenu->setObjectName(QStringLiteral("rowMenu"));
     rowMenu->addActions({m_ui->copyJobNumberAction, rowMenu->addSeparator(), m_ui->newJobAction, m_ui->refreshAction,
-                         m_ui->openDeliveryFolderAction, rowMenu->addSeparator(), m_ui->errorsAction, m_ui->logAction});
+                         m_ui->openDeliveryFolderAction, rowMenu->addSeparator(), m_ui->errorsAction, m_ui->logAction,
+                         m_ui->preferencesAction, m_ui->accountPageAction, rowMenu->addSeparator(),
+                         m_ui->resetAndReloadAction, m_ui->quitAction});
     connect(&list, &QWidget::customContextMenuRequested, rowMenu,
             [&list, rowMenu](const QPoint& place) { rowMenu->popup(list.viewport()->mapToGlobal(place)); });
 }
@@ -275,7 +277,8 @@ void MainWindow::saveLook() const
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (MainWindowController::droppedPaths(event->mimeData()->urls()).isEmpty())
+    if (!event->possibleActions().testFlag(Qt::CopyAction) ||
+        MainWindowController::droppedPaths(event->mimeData()->urls()).isEmpty())
         return;
     event->setDropAction(Qt::CopyAction);
     event->accept();
