@@ -9,7 +9,8 @@ if(QUILLPOST_WARNINGS_AS_ERRORS)
 endif()
 if(QUILLPOST_SANITIZE)
   target_compile_options(quillpost_options INTERFACE
-    -fsanitize=${QUILLPOST_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -Wno-null-dereference)
+    -fsanitize=${QUILLPOST_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+    -Wno-null-dereference -Wno-maybe-uninitialized) # The compiler knows less of instrumented code.
   target_link_options(quillpost_options INTERFACE -fsanitize=${QUILLPOST_SANITIZE})
 endif()
 target_compile_definitions(quillpost_options INTERFACE

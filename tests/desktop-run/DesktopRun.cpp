@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
@@ -51,9 +52,11 @@ DesktopRun::~DesktopRun()
     m_delegate.reset();
 }
 
-QString DesktopRun::sampleTranscript() const
+QString DesktopRun::transcript(const QString& name) const
 {
-    return m_samples + QStringLiteral("/Doe-Jane-2026-03-04.txt");
+    const QString path = m_home.filePath(name);
+    QFile::copy(m_samples + QStringLiteral("/Doe-Jane-2026-03-04.txt"), path);
+    return path;
 }
 
 QWidget& DesktopRun::window(const char* className)
@@ -87,14 +90,12 @@ QString DesktopRun::recording(const QString& name, const QString& seconds) const
     return path;
 }
 
-std::shared_ptr<Job> DesktopRun::submit(const QString& transcript, const QStringList& media)
+std::shared_ptr<Job> DesktopRun::submit(const QString& name, const QStringList& media)
 {
     SubmitJobWindowController& controller = m_delegate->submitJobWindowController();
     m_delegate->showSubmitJobWindow();
     turnUntil("the prices", [&] { return !controller.isGettingRatesInProgress(); });
-    const QString copy = m_home.filePath(transcript);
-    QFile::copy(sampleTranscript(), copy);
-    controller.addTranscriptFile(copy);
+    controller.addTranscriptFile(transcript(name));
     controller.addMediaFiles(media);
     turnUntil("the recordings", [&] { return !controller.isReadingMediaFiles(); });
     const auto job = controller.job();
@@ -106,8 +107,10 @@ void DesktopRun::turnUntil(const char* what, const std::function<bool()>& condit
 {
     QElapsedTimer since;
     since.start();
+    QTimer tick; // asleep in between, as a program is
+    tick.start(std::chrono::milliseconds(10));
     while (!condition()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         if (since.hasExpired(std::chrono::milliseconds(longestWait).count())) {
             std::fprintf(stderr, "waited in vain: %s\n", what);
             std::exit(1);

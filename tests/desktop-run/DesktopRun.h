@@ -5,6 +5,7 @@
 #include "foundation/UserDefaults.h"
 #include "ui/UserDialogs.h"
 
+#include <QDir>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -32,7 +33,7 @@ public:
 class DesktopRun
 {
 public:
-    // `samples` is the folder of the sample transcript.
+    // `samples` is the folder of the sample transcript, which is copied into the home.
     DesktopRun(QString samples, int processorCount);
     ~DesktopRun(); // ends the engine; what hangs ends with the process
     DesktopRun(const DesktopRun&) = delete;
@@ -41,14 +42,15 @@ public:
     [[nodiscard]] QuillpostAppDelegate& delegate() { return *m_delegate; }
     [[nodiscard]] DemoService::Service& service() { return m_service; }
     [[nodiscard]] UserDefaults& defaults() { return *m_defaults; }
-    [[nodiscard]] QString sampleTranscript() const;
+    // A copy of the sample transcript under this name, made once.
+    [[nodiscard]] QString transcript(const QString& name) const;
     [[nodiscard]] static QWidget& window(const char* className);
 
     void logIn();
     // A sound of so many seconds, made once.
     [[nodiscard]] QString recording(const QString& name, const QString& seconds) const;
     // Composes a job in the submit window, with the sample transcript under this name, and submits it.
-    std::shared_ptr<Job> submit(const QString& transcript, const QStringList& media);
+    std::shared_ptr<Job> submit(const QString& name, const QStringList& media);
 
     // Turns the event loop.
     static void turnUntil(const char* what, const std::function<bool()>& condition);
@@ -56,7 +58,7 @@ public:
 private:
     const QString m_samples;
     const MainThread::Attachment m_mainThread;
-    QTemporaryDir m_home;
+    QTemporaryDir m_home{QDir::temp().filePath(QStringLiteral("Depositions-XXXXXX"))};
     NoDialogs m_dialogs;
     DemoService::Service m_service;
     std::unique_ptr<UserDefaults> m_defaults;

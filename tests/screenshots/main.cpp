@@ -102,7 +102,7 @@ void Photographer::submitWindow()
     SubmitJobWindowController& controller = m_run.delegate().submitJobWindowController();
     DesktopRun::turnUntil("the prices", [&] { return !controller.isGettingRatesInProgress(); });
     take("SubmitJobWindow", QStringLiteral("submit-empty"));
-    controller.addTranscriptFile(m_run.sampleTranscript());
+    controller.addTranscriptFile(m_run.transcript(QStringLiteral("Doe-Jane-2026-03-04.txt")));
     controller.addMediaFiles({m_run.recording(QStringLiteral("Doe volume 1.mp3"), QStringLiteral("4520")),
                               m_run.recording(QStringLiteral("Doe volume 2.mp3"), QStringLiteral("3125"))});
     controller.newShortCaptionEntered(QStringLiteral("Doe v. Example Rail"));

@@ -131,6 +131,11 @@ void ErrorWindow::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
     m_controller.setIsShown(true);
+    // The newest is what the user has come to read.
+    QTreeView& table = *m_ui->errorTable;
+    const int count = table.model()->rowCount();
+    if (count > 0 && !table.selectionModel()->hasSelection())
+        table.setCurrentIndex(table.model()->index(count - 1, 0));
 }
 
 void ErrorWindow::hideEvent(QHideEvent* event)

@@ -56,6 +56,19 @@ protected:
 
 } // namespace
 
+TEST_F(ErrorWindowTest, TheNewestErrorIsChosenWhenItOpens)
+{
+    add(u"first"_s);
+    add(u"second"_s);
+    window.close();
+    controller.showWindow();
+    EXPECT_TRUE(the<QPlainTextEdit>("detailText").toPlainText().contains(u"second"_s));
+    selectRow(0);
+    window.close();
+    controller.showWindow();
+    EXPECT_TRUE(the<QPlainTextEdit>("detailText").toPlainText().contains(u"first"_s)) << "a choice stays";
+}
+
 TEST_F(ErrorWindowTest, WithoutErrorsItSaysSoAndOffersNothing)
 {
     const auto& overlay = the<QLabel>("emptyStateOverlay");
