@@ -1,6 +1,7 @@
+#include "cli/CommandLine.h"
+
 #include "CapturedOutput.h"
 
-#include "cli/CommandLine.h"
 #include "foundation/Version.h"
 #include "model/DeliveryFormat.h"
 #include "model/ProcessingLevel.h"
