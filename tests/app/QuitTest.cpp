@@ -14,7 +14,22 @@ using Reply = QuillpostAppDelegate::TerminateReply;
 namespace {
 
 class Quit : public AppTest
-{};
+{
+protected:
+    // The recording of a job that is on the service, with the sound that was made of it.
+    std::shared_ptr<MediaFile> addUploadedFile()
+    {
+        const auto job = Job::job();
+        job->setTranscriptFile(writeFile(QStringLiteral("b.txt"), "text"));
+        const auto file = MediaFile::mediaFileWithPath(writeFile(QStringLiteral("b.wav"), ""));
+        file->setMp3FilePath(writeFile(QStringLiteral("temporary/b.mp3"), "sound"));
+        job->addMediaFilesObject(file);
+        file->setStatus(JobStatusUploaded);
+        job->setStatus(JobStatusOnServer);
+        app().jobModel().addJobsObject(job);
+        return file;
+    }
+};
 
 } // namespace
 
@@ -61,14 +76,7 @@ TEST_F(Quit, savesTheJobsAndThenDeletesTemporaryFiles)
 {
     makeLoggedIn();
     const auto job = addUnfinishedJob();
-    const auto uploaded = Job::job();
-    uploaded->setTranscriptFile(writeFile(QStringLiteral("b.txt"), "text"));
-    const auto file = MediaFile::mediaFileWithPath(writeFile(QStringLiteral("b.wav"), ""));
-    file->setMp3FilePath(writeFile(QStringLiteral("temporary/b.mp3"), "sound"));
-    uploaded->addMediaFilesObject(file);
-    file->setStatus(JobStatusUploaded);
-    uploaded->setStatus(JobStatusOnServer);
-    app().jobModel().addJobsObject(uploaded);
+    const auto file = addUploadedFile();
 
     app().applicationWillTerminate();
     EXPECT_THAT(readFile(stateFile()).toStdString(), HasSubstr("a.txt"));
@@ -80,14 +88,7 @@ TEST_F(Quit, keepsTemporaryFilesWhereTheUserWantsThem)
 {
     defaults().setValue(SettingsKey::AutoDeleteTempFiles, false);
     makeLoggedIn();
-    const auto uploaded = Job::job();
-    uploaded->setTranscriptFile(writeFile(QStringLiteral("b.txt"), "text"));
-    const auto file = MediaFile::mediaFileWithPath(writeFile(QStringLiteral("b.wav"), ""));
-    file->setMp3FilePath(writeFile(QStringLiteral("temporary/b.mp3"), "sound"));
-    uploaded->addMediaFilesObject(file);
-    file->setStatus(JobStatusUploaded);
-    uploaded->setStatus(JobStatusOnServer);
-    app().jobModel().addJobsObject(uploaded);
+    const auto file = addUploadedFile();
     app().applicationWillTerminate();
     EXPECT_TRUE(QFile::exists(file->mp3FilePath()));
 }

@@ -249,12 +249,14 @@ TEST_F(MainWindowListTest, TheJobNumberOfTheRowIsCopied)
     EXPECT_EQ(QApplication::clipboard()->text(), u"4711"_s);
 }
 
-TEST_F(MainWindowListTest, TheRowMenuHasTheSameActions)
+TEST_F(MainWindowListTest, TheRowMenuHasEveryAction)
 {
     auto& menu = find<QMenu>(u"rowMenu"_s);
     Q_EMIT outline().customContextMenuRequested({5, 5});
     EXPECT_TRUE(menu.isVisible());
-    for (const auto& action : {u"copyJobNumberAction"_s, u"newJobAction"_s, u"refreshAction"_s})
+    for (const auto& action : {u"copyJobNumberAction"_s, u"newJobAction"_s, u"refreshAction"_s,
+                               u"openDeliveryFolderAction"_s, u"errorsAction"_s, u"logAction"_s, u"preferencesAction"_s,
+                               u"accountPageAction"_s, u"resetAndReloadAction"_s, u"quitAction"_s})
         EXPECT_TRUE(menu.actions().contains(&find<QAction>(action))) << qPrintable(action);
     menu.close();
 }
