@@ -35,7 +35,7 @@ bool QuillpostAppDelegate::mayDiscardUnsubmittedJob()
            !dialogs().ask({tr("Quillpost"),
                            tr("There is a job that you began and did not submit. Do you want to go on "
                               "with it?"),
-                           tr("Continue Job"), tr("Start New Job")});
+                           tr("Continue Job"), tr("Start New Job"), /*isClosingDefault=*/true});
 }
 
 void QuillpostAppDelegate::showSubmitJobWindow()
@@ -47,6 +47,9 @@ void QuillpostAppDelegate::showSubmitJobWindow()
 
 void QuillpostAppDelegate::showSubmitJobWindowWithFiles(const QStringList& paths)
 {
+    // Files for a job that the user has in front of him are meant for that one.
+    if (!m_submitJobWindowController->isShown() && mayDiscardUnsubmittedJob())
+        m_submitJobWindowController->setJob(nullptr);
     m_submitJobWindowController->showWindow();
     m_submitJobWindowController->addDroppedFiles(paths);
 }
@@ -98,5 +101,7 @@ void QuillpostAppDelegate::showCustomLogWindow()
 void QuillpostAppDelegate::openUrl(const QUrl& url)
 {
     if (!m_environment.open(url))
-        dialogs().warn(tr("Quillpost"), tr("Nothing on this computer opens %1").arg(url.toDisplayString()));
+        dialogs().warn(
+            tr("Quillpost"),
+            tr("Nothing on this computer opens %1").arg(url.isLocalFile() ? url.toLocalFile() : url.toDisplayString()));
 }

@@ -21,8 +21,10 @@ public:
         QString text;
         QString defaultButton;
         QString alternateButton;
+        // Escape, and closing the dialog, stand for the default button instead of the alternate one.
+        bool isClosingDefault = false;
     };
-    // True when the default button was pressed; false for the alternate button and for a closed dialog.
+    // True for the default button.
     [[nodiscard]] virtual bool ask(const Question& question) = 0;
 
     // One existing file; nothing when the user cancelled. `filter` as QFileDialog takes it, or empty.

@@ -13,10 +13,16 @@ public:
     // Shows the window, or brings it to the front.
     virtual void showWindow() { Q_EMIT showRequested(); }
     void close() { Q_EMIT closeRequested(); }
+    // Set by the window.
+    [[nodiscard]] bool isShown() const { return m_isShown; }
+    void setIsShown(bool is) { m_isShown = is; }
 
 Q_SIGNALS:
     void showRequested();
     void closeRequested();
+
+private:
+    bool m_isShown = false;
 };
 
 // The words of a window before an error of the system's own; errors of other domains stay as they are.

@@ -113,10 +113,26 @@ TEST_F(Actions, newJobAsksAlsoWhereOnlyOneThingWasEntered)
     }
 }
 
-TEST_F(Actions, droppedFilesComeToTheJobThatWasBegun)
+TEST_F(Actions, droppedFilesAreNotMixedIntoAJobThatWasPutAside)
 {
     makeLoggedIn();
     const auto begun = beginJob();
+    submitWindow().setIsShown(false);
+    const QString file = writeFile(QStringLiteral("a.wav"), "no sound");
+    dialogs.answers = {true, false};
+    app().showSubmitJobWindowWithFiles({file});
+    EXPECT_EQ(submitWindow().job(), begun) << "the user said that they belong to it";
+    app().showSubmitJobWindowWithFiles({file});
+    EXPECT_NE(submitWindow().job(), begun);
+    EXPECT_EQ(submitWindow().job()->mediaFiles().size(), 1);
+    EXPECT_EQ(dialogs.questions.size(), 2);
+}
+
+TEST_F(Actions, droppedFilesComeToTheJobThatIsInFront)
+{
+    makeLoggedIn();
+    const auto begun = beginJob();
+    submitWindow().setIsShown(true);
     app().showSubmitJobWindowWithFiles({writeFile(QStringLiteral("a.wav"), "no sound")});
     EXPECT_EQ(submitWindow().job(), begun);
     EXPECT_EQ(begun->mediaFiles().size(), 1);

@@ -1,94 +1,79 @@
 #include "ui/controls/DateField.h"
 
+#include "ui/controls/QuillpostIcons.h"
+
+#include <QAction>
 #include <QCalendarWidget>
-#include <QClipboard>
-#include <QGuiApplication>
+#include <QFrame>
 #include <QKeyEvent>
-#include <QLineEdit>
-#include <QLocale>
-#include <QSignalBlocker>
+#include <QScreen>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
-DateField::DateField(QWidget* parent) : QDateEdit(parent)
+DateField::DateField(QWidget* parent) : QLineEdit(parent)
 {
-    setCalendarPopup(true);
-    setSpecialValueText(tr("No date")); // shown for the earliest date, which so stands for none
-    calendarWidget()->installEventFilter(this);
-    connect(this, &QDateEdit::dateChanged, this, [this] { Q_EMIT valueChanged(value()); });
+    QAction* const open = addAction(QuillpostIcons::named(u"CalendarIcon"_s), TrailingPosition);
+    open->setObjectName(u"openCalendarAction"_s);
+    open->setText(tr("Calendar"));
+    open->setToolTip(tr("Choose in a calendar (Alt+Down)"));
+    for (auto* const button : findChildren<QToolButton*>())
+        button->setAccessibleName(tr("Calendar"));
+    connect(open, &QAction::triggered, this, &DateField::openCalendar);
+    connect(this, &QLineEdit::textEdited, this, [this] { m_isEdited = true; });
+    connect(this, &QLineEdit::editingFinished, this, [this] {
+        if (!m_isEdited)
+            return;
+        m_isEdited = false;
+        Q_EMIT dateTyped(text());
+    });
 }
 
-QDate DateField::value() const
+void DateField::makeCalendar()
 {
-    return isNone() ? QDate() : date();
+    m_popup = new QFrame(this, Qt::Popup);
+    m_popup->setFrameShape(QFrame::StyledPanel);
+    m_calendar = new QCalendarWidget(m_popup);
+    m_calendar->setObjectName(u"calendar"_s);
+    m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    auto* const layout = new QVBoxLayout(m_popup);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_calendar);
+    const auto choose = [this](QDate date) {
+        m_popup->hide();
+        m_isEdited = false;
+        Q_EMIT dateChosen(date);
+    };
+    connect(m_calendar, &QCalendarWidget::clicked, this, choose);
+    connect(m_calendar, &QCalendarWidget::activated, this, choose);
 }
 
-void DateField::setValue(QDate value)
+void DateField::openCalendar()
 {
-    const QDate shown = value.isValid() ? value : minimumDate();
-    if (date() == shown)
-        return;
-    const QSignalBlocker blocker(this);
-    setDate(shown);
-}
-
-QDate DateField::dateFrom(const QString& text)
-{
-    const QString written = text.simplified();
-    const QLocale here;
-    const QLocale english = QLocale::c();
-    for (const QLocale::FormatType type : {QLocale::LongFormat, QLocale::ShortFormat}) {
-        if (const QDate date = here.toDate(written, type); date.isValid() && date.year() >= 1970)
-            return date;
-    }
-    for (const QString& format : {u"yyyy-M-d"_s, u"d MMMM yyyy"_s, u"d MMM yyyy"_s, u"MMMM d, yyyy"_s, u"MMM d, yyyy"_s,
-                                  u"MMMM d yyyy"_s, u"M/d/yyyy"_s}) {
-        for (const QLocale& locale : {here, english}) {
-            if (const QDate date = locale.toDate(written, format); date.isValid())
-                return date;
-        }
-    }
-    return {};
-}
-
-bool DateField::isAllSelected() const
-{
-    return lineEdit()->hasSelectedText() && lineEdit()->selectedText() == lineEdit()->text();
-}
-
-void DateField::stepBy(int steps)
-{
-    if (isNone())
-        setDate(QDate::currentDate());
-    else
-        QDateEdit::stepBy(steps);
+    if (m_popup == nullptr)
+        makeCalendar();
+    m_calendar->setSelectedDate(m_calendarDate.isValid() ? m_calendarDate : QDate::currentDate());
+    m_popup->adjustSize();
+    const QRect free = screen()->availableGeometry();
+    QPoint place = mapToGlobal(rect().bottomRight()) - QPoint(m_popup->width(), 0);
+    if (place.y() + m_popup->height() > free.bottom())
+        place.setY(mapToGlobal(rect().topLeft()).y() - m_popup->height());
+    place.setX(std::clamp(place.x(), free.left(), std::max(free.left(), free.right() - m_popup->width())));
+    m_popup->move(place);
+    m_popup->show();
+    m_calendar->setFocus();
 }
 
 void DateField::keyPressEvent(QKeyEvent* event)
 {
-    if (event->matches(QKeySequence::Paste)) {
-        if (const QDate pasted = dateFrom(QGuiApplication::clipboard()->text()); pasted.isValid())
-            setDate(pasted);
-        return;
-    }
-    const bool isWhole = isNone() || isAllSelected();
-    if (isWhole && (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)) {
-        setDate(minimumDate());
-        return;
-    }
-    if (isWhole && !event->text().isEmpty() && event->text().front().isDigit()) {
-        if (isNone())
-            setDate(QDate::currentDate());
-        setSelectedSection(sectionAt(0));
-    }
-    QDateEdit::keyPressEvent(event);
-}
-
-bool DateField::eventFilter(QObject* watched, QEvent* event)
-{
-    if (event->type() == QEvent::Show && watched == calendarWidget() && isNone()) {
-        const QDate today = QDate::currentDate();
-        calendarWidget()->setCurrentPage(today.year(), today.month());
-    }
-    return QDateEdit::eventFilter(watched, event);
+    const bool isDown = event->key() == Qt::Key_Down;
+    if (isDown && event->modifiers() == Qt::AltModifier)
+        openCalendar();
+    else if ((isDown || event->key() == Qt::Key_Up) && event->modifiers() == Qt::NoModifier && !m_isEdited)
+        Q_EMIT stepped(isDown ? -1 : 1);
+    else
+        QLineEdit::keyPressEvent(event);
 }

@@ -1,33 +1,39 @@
 #pragma once
 
-#include <QDateEdit>
+#include <QDate>
+#include <QLineEdit>
 
-// A date that may be missing. Typed part by part, pasted as a whole, or chosen in a calendar; Delete on the whole takes
-// it away. Where there is none, typing, stepping and the calendar begin at today.
-class DateField : public QDateEdit
+class QCalendarWidget;
+class QFrame;
+
+// A field for a date: typed as people write dates, stepped day by day with the arrow keys, or chosen in the calendar
+// that its button (and Alt+Down) opens. What a typed text means is decided by whoever listens.
+class DateField : public QLineEdit
 {
     Q_OBJECT
 public:
     explicit DateField(QWidget* parent = nullptr);
 
-    // Invalid for none.
-    [[nodiscard]] QDate value() const;
-    // Without telling of it.
-    void setValue(QDate value);
-
-    // A whole date as people write it here, or as computers do; invalid for any other text.
-    [[nodiscard]] static QDate dateFrom(const QString& text);
-
-    void stepBy(int steps) override;
+    // What the calendar begins with; an invalid date is today.
+    void setCalendarDate(QDate date) { m_calendarDate = date; }
+    // The calendar below the field, made when it first opens.
+    void openCalendar();
+    [[nodiscard]] QCalendarWidget* calendar() const { return m_calendar; }
 
 Q_SIGNALS:
-    void valueChanged(QDate value);
+    // An edit that changed something has ended.
+    void dateTyped(const QString& text);
+    void dateChosen(QDate date);
+    void stepped(int days);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    [[nodiscard]] bool isNone() const { return date() == minimumDate(); }
-    [[nodiscard]] bool isAllSelected() const;
+    void makeCalendar();
+
+    QDate m_calendarDate;
+    QFrame* m_popup = nullptr;             // a child
+    QCalendarWidget* m_calendar = nullptr; // its child
+    bool m_isEdited = false;
 };

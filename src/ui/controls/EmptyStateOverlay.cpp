@@ -13,10 +13,20 @@ EmptyStateOverlay::EmptyStateOverlay(QAbstractItemView* view, const QString& tex
     setAlignment(Qt::AlignCenter);
     setWordWrap(true);
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    setForegroundRole(QPalette::PlaceholderText);
+    dim();
     setMargin(fontMetrics().height());
     view->viewport()->installEventFilter(this);
     followModel();
+}
+
+// Fainter than a row's text, on whatever ground; a palette's own colour for this may be missing.
+void EmptyStateOverlay::dim()
+{
+    QColor faint = m_view->palette().color(QPalette::Text);
+    faint.setAlphaF(0.6F);
+    QPalette dimmed = m_view->palette();
+    dimmed.setColor(QPalette::WindowText, faint);
+    setPalette(dimmed);
 }
 
 void EmptyStateOverlay::followModel()
@@ -42,6 +52,9 @@ void EmptyStateOverlay::refresh()
 bool EmptyStateOverlay::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
+    case QEvent::PaletteChange:
+        dim();
+        break;
     case QEvent::Show:
     case QEvent::Resize:
     case QEvent::Paint:

@@ -19,6 +19,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void dim();
     void followModel();
     void refresh();
 

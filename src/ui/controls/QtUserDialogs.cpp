@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCursor>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
@@ -15,6 +16,9 @@ QWidget* parentWindow()
 {
     if (QWidget* active = QApplication::activeWindow())
         return active;
+    // Files that were dropped came from another program's window; what they were dropped on lies under the pointer.
+    if (QWidget* const under = QApplication::widgetAt(QCursor::pos()); under && under->window()->isVisible())
+        return under->window();
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window->isVisible() && window->windowType() == Qt::Window)
             return window;
@@ -61,7 +65,7 @@ bool QtUserDialogs::ask(const Question& question)
     yes->setObjectName(u"defaultButton"_s);
     no->setObjectName(u"alternateButton"_s);
     box.setDefaultButton(yes);
-    box.setEscapeButton(no);
+    box.setEscapeButton(question.isClosingDefault ? yes : no);
     box.exec();
     return box.clickedButton() == yes;
 }

@@ -99,7 +99,7 @@ QIcon iconFromFile(const QString& name)
 
 QIcon QuillpostIcons::named(const QString& name)
 {
-    if (name != "TextIcon"_L1 && name != "SoundIcon"_L1)
+    if (name != "TextIcon"_L1 && name != "SoundIcon"_L1 && name != "CalendarIcon"_L1)
         return {};
     return iconFromFile(name);
 }

@@ -1,24 +1,17 @@
 #pragma once
 
-#include "ui/WindowController.h"
-
-#include <QShortcut>
-#include <QWidget>
+class QWidget;
+class WindowController;
 
 namespace WindowBinding {
 
-// The window shows itself, comes to the front (out of the dock too) and closes when its controller says so; it
-// also closes by its key. Either may go first.
-inline void bind(WindowController& controller, QWidget& window)
-{
-    QObject::connect(&controller, &WindowController::showRequested, &window, [&window] {
-        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-        window.show();
-        window.raise();
-        window.activateWindow();
-    });
-    QObject::connect(&controller, &WindowController::closeRequested, &window, &QWidget::close);
-    QObject::connect(new QShortcut(QKeySequence::Close, &window), &QShortcut::activated, &window, &QWidget::close);
-}
+// The window shows itself, comes to the front (out of the dock too) and closes when its controller says so, and tells
+// it whether it is shown; it also closes by the platform's key. When it first opens it lies over the window that the
+// user is in. Either may go first.
+void bind(WindowController& controller, QWidget& window);
+
+// For the window's destructor: neither the controller nor the window hears of its controls any more. They are destroyed
+// after it, and say things while they are, as that an edit has ended or a bar has moved.
+void unbind(WindowController& controller, QWidget& window);
 
 } // namespace WindowBinding

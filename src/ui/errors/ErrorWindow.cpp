@@ -52,7 +52,10 @@ ErrorWindow::ErrorWindow(ErrorWindowController& controller, QWidget* parent)
     WindowBinding::bind(m_controller, *this);
 }
 
-ErrorWindow::~ErrorWindow() = default;
+ErrorWindow::~ErrorWindow()
+{
+    WindowBinding::unbind(m_controller, *this);
+}
 
 void ErrorWindow::setUpTable()
 {
@@ -130,16 +133,9 @@ void ErrorWindow::copySelection()
 void ErrorWindow::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    m_controller.setIsShown(true);
     // The newest is what the user has come to read.
     QTreeView& table = *m_ui->errorTable;
     const int count = table.model()->rowCount();
     if (count > 0 && !table.selectionModel()->hasSelection())
         table.setCurrentIndex(table.model()->index(count - 1, 0));
-}
-
-void ErrorWindow::hideEvent(QHideEvent* event)
-{
-    QWidget::hideEvent(event);
-    m_controller.setIsShown(false);
 }

@@ -29,15 +29,10 @@ public:
 
     void clearLogButtonPressed();
 
-    // Whether the window is open, so that the user sees an error as it comes. Set by the window.
-    [[nodiscard]] bool isShown() const { return m_isShown; }
-    void setIsShown(bool is) { m_isShown = is; }
-
 Q_SIGNALS:
     void summaryChanged();
 
 private:
     ApplicationController& m_application;
     ErrorListModel m_errors;
-    bool m_isShown = false;
 };

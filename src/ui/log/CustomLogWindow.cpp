@@ -45,7 +45,10 @@ CustomLogWindow::CustomLogWindow(CustomLogWindowController& controller, QWidget*
     m_ui->logTextView->setFocus();
 }
 
-CustomLogWindow::~CustomLogWindow() = default;
+CustomLogWindow::~CustomLogWindow()
+{
+    WindowBinding::unbind(m_controller, *this);
+}
 
 void CustomLogWindow::setUpText()
 {
@@ -56,17 +59,16 @@ void CustomLogWindow::setUpText()
     text.setDocumentLayout(new QPlainTextDocumentLayout(&text));
     view.setDocument(&text);
     view.setFont(fixed);
-    // New text behind a selection that reaches to the end is not selected with it.
-    QTextCursor cursor = view.textCursor();
-    cursor.setKeepPositionOnInsert(true);
-    view.setTextCursor(cursor);
 
     QScrollBar& bar = *view.verticalScrollBar();
     connect(&bar, &QScrollBar::valueChanged, this, [this] {
         m_topLine = m_ui->logTextView->cursorForPosition(QPoint());
         tellWhereViewIs();
     });
-    connect(&view, &QPlainTextEdit::selectionChanged, this, &CustomLogWindow::tellWhereViewIs);
+    connect(&view, &QPlainTextEdit::selectionChanged, this, [this] {
+        guardSelection();
+        tellWhereViewIs();
+    });
     connect(&bar, &QScrollBar::rangeChanged, this, [this] {
         if (m_controller.isFollowing())
             scrollToBottom();
@@ -132,6 +134,18 @@ void CustomLogWindow::showEvent(QShowEvent* event)
         scrollToBottom();
 }
 
+// New text behind a selection that reaches to the end is not selected with it. Without a selection the cursor goes
+// along whole: of one that stays behind, the anchor would go and so select what comes.
+void CustomLogWindow::guardSelection()
+{
+    QTextCursor cursor = m_ui->logTextView->textCursor();
+    if (m_isScrolling || cursor.keepPositionOnInsert() == cursor.hasSelection())
+        return;
+    const QScopedValueRollback scrolling(m_isScrolling, true);
+    cursor.setKeepPositionOnInsert(cursor.hasSelection());
+    m_ui->logTextView->setTextCursor(cursor);
+}
+
 // Where the oldest lines go, those that the user reads move up in the text; the view moves with them.
 void CustomLogWindow::keepPlace()
 {
@@ -155,6 +169,7 @@ void CustomLogWindow::scrollToBottom()
     QPlainTextEdit& view = *m_ui->logTextView;
     QTextCursor end = view.textCursor();
     end.movePosition(QTextCursor::End);
+    end.setKeepPositionOnInsert(false);
     view.setTextCursor(end);
     view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
     view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->minimum());

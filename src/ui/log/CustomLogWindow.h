@@ -28,6 +28,7 @@ private:
     void setUpText();
     void setUpSearch();
     void setUpButtons();
+    void guardSelection();
     void keepPlace();
     void tellWhereViewIs();
     void scrollToBottom();

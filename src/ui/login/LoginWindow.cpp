@@ -9,6 +9,8 @@
 #include <QEvent>
 #include <QVariantAnimation>
 
+#include <functional>
+
 namespace {
 
 constexpr int widthInCharacters = 56;
@@ -47,18 +49,25 @@ LoginWindow::LoginWindow(LoginWindowController& controller)
     layOut(/*animate=*/false);
 }
 
-LoginWindow::~LoginWindow() = default;
+LoginWindow::~LoginWindow()
+{
+    WindowBinding::unbind(m_controller, *this);
+}
 
 void LoginWindow::bindField(QLineEdit* field, Getter getter, Setter setter, Signal signal)
 {
-    field->setText((m_controller.*getter)());
-    connect(field, &QLineEdit::textChanged, this, [this, getter, setter](const QString& text) {
-        if (text != (m_controller.*getter)())
-            (m_controller.*setter)(text);
+    const std::function<QString()> get = [&controller = m_controller, getter] { return (controller.*getter)(); };
+    const std::function<void(const QString&)> set = [&controller = m_controller, setter](const QString& text) {
+        (controller.*setter)(text);
+    };
+    field->setText(get());
+    connect(field, &QLineEdit::textChanged, this, [get, set](const QString& text) {
+        if (text != get())
+            set(text);
     });
-    connect(&m_controller, signal, field, [this, field, getter] {
-        if (field->text() != (m_controller.*getter)())
-            field->setText((m_controller.*getter)());
+    connect(&m_controller, signal, field, [field, get] {
+        if (field->text() != get())
+            field->setText(get());
     });
     connect(field, &QLineEdit::returnPressed, this, [this] { defaultButton()->click(); });
 }

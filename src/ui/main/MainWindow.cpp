@@ -64,6 +64,7 @@ MainWindow::~MainWindow()
 {
     if (isVisible())
         saveLook();
+    WindowBinding::unbind(m_controller, *this);
 }
 
 // The list
@@ -92,9 +93,10 @@ void MainWindow::setUpDelegates()
 {
     QTreeView& list = *m_ui->jobsOutlineView;
     list.setItemDelegate(new RoomyDelegate(&list));
-    const auto setUp = [this](Cell& cell, const QModelIndex& index) {
-        if (const auto item = m_controller.jobsArrayController().mediaObject(index))
-            m_controller.outlineViewWillDisplayCell(cell, static_cast<JobListColumn>(index.column()), *item);
+    // Not of this window, but of its controller: cells are also measured while the list is destroyed.
+    const auto setUp = [&controller = m_controller](Cell& cell, const QModelIndex& index) {
+        if (const auto item = controller.jobsArrayController().mediaObject(index))
+            controller.outlineViewWillDisplayCell(cell, static_cast<JobListColumn>(index.column()), *item);
     };
     auto* const names = new ImageTextCellDelegate(&list);
     names->willDisplayCell = setUp;
@@ -158,6 +160,10 @@ void MainWindow::setUpActions()
     calls(m_ui->logAction, &MainWindowController::showLog);
     calls(m_ui->accountPageAction, &MainWindowController::openAccountPage);
     connect(m_ui->aboutAction, &QAction::triggered, this, &MainWindow::showAbout);
+    // Their keys work in the program's other windows as well.
+    for (QAction* const action : {m_ui->newJobAction, m_ui->refreshAction, m_ui->openDeliveryFolderAction,
+                                  m_ui->preferencesAction, m_ui->errorsAction, m_ui->logAction, m_ui->quitAction})
+        action->setShortcutContext(Qt::ApplicationShortcut);
     connect(m_ui->footerButton, &QPushButton::clicked, &m_controller, &MainWindowController::refresh);
 }
 

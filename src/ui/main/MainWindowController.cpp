@@ -193,8 +193,8 @@ void MainWindowController::resetAndReload()
         tr("Reset and Reload from Server"),
         tr("The list of jobs is cleared and built again from what the service knows. Jobs that are still being "
            "prepared or uploaded on this computer are dropped and have to be submitted again. This cannot be undone."),
-        tr("Reset and Reload"), tr("Cancel")};
-    if (m_application.dialogs().ask(question))
+        tr("Keep the List"), tr("Reset and Reload"), /*isClosingDefault=*/true};
+    if (!m_application.dialogs().ask(question))
         m_application.resetAndReloadFromServer();
 }
 

@@ -57,7 +57,10 @@ PreferencesWindow::PreferencesWindow(PreferencesWindowController& controller)
     resize(minimumWidth(), layout()->totalHeightForWidth(minimumWidth()));
 }
 
-PreferencesWindow::~PreferencesWindow() = default;
+PreferencesWindow::~PreferencesWindow()
+{
+    WindowBinding::unbind(m_controller, *this);
+}
 
 void PreferencesWindow::prepareControls()
 {

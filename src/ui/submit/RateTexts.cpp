@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+
 namespace {
 
 // Its tr() is found by the tools that collect the texts to translate.
@@ -55,9 +57,13 @@ QString RateTexts::multiplier(const QVariant& multiplier)
 QString RateTexts::total(const Job& job)
 {
     const QString amount = job.jobTotal();
+    const auto files = job.mediaFiles();
+    const bool areAllKnown =
+        std::all_of(files.begin(), files.end(), [](const auto& file) { return file->sourceDuration().has_value(); });
     if (!amount.isEmpty())
-        return Texts::tr("%1 for %2 of recordings").arg(amount, duration(job.totalMediaDuration()));
-    if (job.mediaFiles().isEmpty())
+        return (areAllKnown ? Texts::tr("%1 for %2 of recordings") : Texts::tr("At least %1, for %2 of recordings"))
+            .arg(amount, duration(job.totalMediaDuration()));
+    if (files.isEmpty())
         return unknown;
     if (!isKnown(rateInEffect(job, job.processingLevel())))
         return Texts::tr("— (price not known)");

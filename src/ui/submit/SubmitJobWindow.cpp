@@ -12,6 +12,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPointer>
+#include <QScreen>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QStandardItemModel>
@@ -39,7 +40,7 @@ SubmitJobWindow::SubmitJobWindow(SubmitJobWindowController& controller)
     : m_controller(controller), m_ui(std::make_unique<Ui::SubmitJobWindow>())
 {
     m_ui->setupUi(this);
-    for (QLabel* const note : {m_ui->transcriptMessageLabel, m_ui->mediaMessageLabel}) {
+    for (QLabel* const note : {m_ui->transcriptMessageLabel, m_ui->mediaMessageLabel, m_ui->dateMessageLabel}) {
         note->setBackgroundRole(QPalette::ToolTipBase);
         note->setForegroundRole(QPalette::ToolTipText);
         note->setMargin(fontMetrics().height() / 4);
@@ -58,17 +59,15 @@ SubmitJobWindow::SubmitJobWindow(SubmitJobWindowController& controller)
     connect(&m_controller, &Controller::jobChanged, m_ui->trascriptTextField, qOverload<>(&QWidget::setFocus));
     showMessages();
     showJobValues();
-    resize(sizeHint().expandedTo({fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36}));
+    constexpr int frame = 60; // about what a window manager adds
+    resize(sizeHint()
+               .expandedTo({fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36})
+               .boundedTo(screen()->availableSize() - QSize(0, frame)));
 }
 
 SubmitJobWindow::~SubmitJobWindow()
 {
-    // A field that loses the keyboard while it is destroyed says that its edit has ended.
-    m_controller.disconnect(this);
-    for (const QObject* const child : findChildren<QObject*>()) {
-        child->disconnect(this);
-        child->disconnect(&m_controller);
-    }
+    WindowBinding::unbind(m_controller, *this);
 }
 
 // Transcript and recordings
@@ -132,6 +131,7 @@ void SubmitJobWindow::showMessages()
 {
     showMessage(*m_ui->transcriptMessageLabel, m_controller.transcriptMessage());
     showMessage(*m_ui->mediaMessageLabel, m_controller.mediaMessage());
+    showMessage(*m_ui->dateMessageLabel, m_controller.dateMessage());
 }
 
 // Deposition, caption, format
@@ -140,7 +140,9 @@ void SubmitJobWindow::setUpDeposition()
 {
     connect(m_ui->deponentFirstNameField, &QLineEdit::textEdited, &m_controller, &Controller::setDeponentFirstName);
     connect(m_ui->deponentLastNameField, &QLineEdit::textEdited, &m_controller, &Controller::setDeponentLastName);
-    connect(m_ui->depositionDateEdit, &DateField::valueChanged, &m_controller, &Controller::setDepositionDate);
+    connect(m_ui->depositionDateEdit, &DateField::dateTyped, &m_controller, &Controller::enterDepositionDate);
+    connect(m_ui->depositionDateEdit, &DateField::dateChosen, &m_controller, &Controller::setDepositionDate);
+    connect(m_ui->depositionDateEdit, &DateField::stepped, &m_controller, &Controller::stepDepositionDate);
 }
 
 void SubmitJobWindow::setUpCaption()
@@ -305,7 +307,8 @@ void SubmitJobWindow::showJobValues()
     m_ui->mediaSummaryLabel->setText(m_controller.mediaSummary());
     showText(*m_ui->deponentFirstNameField, m_controller.deponentFirstName());
     showText(*m_ui->deponentLastNameField, m_controller.deponentLastName());
-    m_ui->depositionDateEdit->setValue(m_controller.depositionDate());
+    showText(*m_ui->depositionDateEdit, m_controller.depositionDateText());
+    m_ui->depositionDateEdit->setCalendarDate(m_controller.depositionDate());
     if (m_ui->shortCaptionField->currentText() != m_controller.shortCaption())
         m_ui->shortCaptionField->setEditText(m_controller.shortCaption());
     m_ui->deliveryFormatComboBox->setCurrentIndex(

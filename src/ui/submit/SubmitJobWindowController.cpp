@@ -76,6 +76,8 @@ void SubmitJobWindowController::setJob(const std::shared_ptr<Job>& job)
     m_transcriptFile = m_job ? m_job->transcriptFile() : QString();
     m_transcriptRemark.clear();
     setTranscriptText(m_transcriptFile);
+    m_unreadableDate.clear();
+    m_isTranscriptBeingTyped = false;
     setMediaMessage({});
     Q_EMIT jobChanged();
     Q_EMIT jobValuesChanged();

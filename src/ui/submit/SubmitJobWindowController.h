@@ -53,6 +53,8 @@ class SubmitJobWindowController : public WindowController,
     Q_PROPERTY(QString windowTitle READ windowTitle NOTIFY jobValuesChanged)
     Q_PROPERTY(QString transcriptMessage READ transcriptMessage NOTIFY messagesChanged)
     Q_PROPERTY(QString mediaMessage READ mediaMessage NOTIFY messagesChanged)
+    Q_PROPERTY(QString depositionDateText READ depositionDateText NOTIFY jobValuesChanged)
+    Q_PROPERTY(QString dateMessage READ dateMessage NOTIFY messagesChanged)
     Q_PROPERTY(QString mediaSummary READ mediaSummary NOTIFY jobValuesChanged)
     Q_PROPERTY(QString readingText READ readingText NOTIFY isReadingMediaFilesChanged)
     Q_PROPERTY(QString ratesStatusText READ ratesStatusText NOTIFY jobValuesChanged)
@@ -156,6 +158,10 @@ public:
     // Invalid when the job has none. Setting it means noon of that day.
     [[nodiscard]] QDate depositionDate() const;
     void setDepositionDate(QDate date);
+    // A date as people write it. A text that is none leaves the job without a date, stays and is told.
+    void enterDepositionDate(const QString& text);
+    // Days from the date, or from today where there is none.
+    void stepDepositionDate(int days);
     [[nodiscard]] QString shortCaption() const;
     // While it is typed; remembered by newShortCaptionEntered().
     void setShortCaption(const QString& caption);
@@ -172,6 +178,9 @@ public:
     // --- Texts ---
     [[nodiscard]] QString windowTitle() const;
     [[nodiscard]] QString transcriptMessage() const;
+    // The date in words, or what was typed and is none.
+    [[nodiscard]] QString depositionDateText() const;
+    [[nodiscard]] QString dateMessage() const;
     [[nodiscard]] QString mediaMessage() const { return m_mediaMessage; }
     [[nodiscard]] QString mediaSummary() const;
     [[nodiscard]] QString readingText() const;
@@ -250,6 +259,8 @@ private:
     QString m_transcriptFile;
     QString m_transcriptRemark;
     QString m_mediaMessage;
+    QString m_unreadableDate; // typed
+    bool m_isTranscriptBeingTyped = false;
     // Threads that read recordings.
     int m_readingCount = 0;
     // Made to forget this observer when it goes.

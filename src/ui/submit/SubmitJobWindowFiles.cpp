@@ -58,12 +58,15 @@ void SubmitJobWindowController::browseTransciptButton()
 
 void SubmitJobWindowController::newTrascriptFilePathEntered(const QString& path)
 {
+    m_isTranscriptBeingTyped = false;
     setTranscriptText(path);
     addTranscriptFile(path);
 }
 
 void SubmitJobWindowController::controlTextDidChange(const QString& path)
 {
+    // Whether a path leads anywhere is said when it has been typed.
+    m_isTranscriptBeingTyped = true;
     setTranscriptText(path);
     addTranscriptFile(path);
 }
@@ -96,9 +99,12 @@ bool SubmitJobWindowController::prefillFrom(const QString& path)
             job.setDeponentFirstName(reading->firstName);
         if (job.deponentLastName().isEmpty())
             job.setDeponentLastName(reading->lastName);
-        if (reading->date)
+        if (reading->date) {
+            m_unreadableDate.clear();
             job.setDepositionDate(*reading->date);
+        }
     });
+    Q_EMIT messagesChanged();
     if (!reading->dateString.isEmpty() && !reading->date)
         setTranscriptRemark(tr("The transcript's date, “%1”, is no date of the calendar. Please check the date below.")
                                 .arg(reading->dateString));
@@ -125,7 +131,7 @@ QString SubmitJobWindowController::transcriptMessage() const
 {
     if (!m_transcriptRemark.isEmpty())
         return m_transcriptRemark;
-    if (m_transcriptText == m_transcriptFile)
+    if (m_transcriptText == m_transcriptFile || m_isTranscriptBeingTyped)
         return {};
     QString message;
     if (!m_transcriptText.isEmpty()) {

@@ -1,9 +1,12 @@
 // The values and texts that the submit window shows of its job.
 
+#include "foundation/DateText.h"
 #include "foundation/NumberReading.h"
 #include "ui/submit/RateTexts.h"
 #include "ui/submit/SubmitJobWindowController.h"
 #include "ui/transformers/ValueTransformers.h"
+
+#include <QLocale>
 
 #include <algorithm>
 
@@ -44,10 +47,47 @@ QDate SubmitJobWindowController::depositionDate() const
 
 void SubmitJobWindowController::setDepositionDate(QDate date)
 {
+    if (!m_unreadableDate.isEmpty()) {
+        m_unreadableDate.clear();
+        Q_EMIT messagesChanged();
+        Q_EMIT jobValuesChanged();
+    }
     if (date == depositionDate())
         return;
     changeJob([&](Job& job) { job.setDepositionDate(date.isValid() ? QDateTime(date, QTime(12, 0)) : QDateTime()); });
     refreshCanSubmitJob();
+}
+
+void SubmitJobWindowController::enterDepositionDate(const QString& text)
+{
+    const QString written = text.trimmed();
+    const auto date = DateText::readLeniently(written);
+    setDepositionDate(date ? date->date() : QDate());
+    if (!date && !written.isEmpty()) {
+        m_unreadableDate = written;
+        Q_EMIT messagesChanged();
+    }
+    Q_EMIT jobValuesChanged();
+}
+
+void SubmitJobWindowController::stepDepositionDate(int days)
+{
+    const QDate date = depositionDate();
+    setDepositionDate(date.isValid() ? date.addDays(days) : QDate::currentDate());
+}
+
+QString SubmitJobWindowController::depositionDateText() const
+{
+    if (!m_unreadableDate.isEmpty())
+        return m_unreadableDate;
+    return QLocale().toString(depositionDate(), QStringLiteral("d MMMM yyyy"));
+}
+
+QString SubmitJobWindowController::dateMessage() const
+{
+    return m_unreadableDate.isEmpty()
+               ? QString()
+               : tr("“%1” is no date. Please enter it as in 4 March 2026.").arg(m_unreadableDate);
 }
 
 QString SubmitJobWindowController::shortCaption() const
@@ -169,7 +209,7 @@ QString SubmitJobWindowController::mediaSummary() const
     const auto unknown =
         std::count_if(files.begin(), files.end(), [](const auto& file) { return !file->sourceDuration(); });
     if (unknown > 0 && !isReadingMediaFiles())
-        summary += tr(" (length of %1 not known)").arg(unknown);
+        summary += tr(", %1 of unknown length").arg(unknown);
     return summary;
 }
 

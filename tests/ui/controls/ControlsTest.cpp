@@ -1,4 +1,5 @@
 #include "support/Waiting.h"
+#include "ui/WindowController.h"
 #include "ui/controls/BusyIndicator.h"
 #include "ui/controls/ElidedLabel.h"
 #include "ui/controls/EmptyStateOverlay.h"

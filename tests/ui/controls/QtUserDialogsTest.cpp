@@ -85,6 +85,17 @@ TEST_F(QtUserDialogsTest, AWarningShowsItsTextAsItStands)
     EXPECT_EQ(format, Qt::PlainText);
 }
 
+TEST_F(QtUserDialogsTest, EscapeStandsForTheAnswerThatTheQuestionNames)
+{
+    for (const bool isClosingDefault : {false, true}) {
+        whenShown<QMessageBox>(u"questionAlert"_s, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+        UserDialogs::Question asked = question;
+        asked.isClosingDefault = isClosingDefault;
+        EXPECT_EQ(dialogs.ask(asked), isClosingDefault);
+        EXPECT_TRUE(m_shown);
+    }
+}
+
 TEST_F(QtUserDialogsTest, AWarningWithoutATextShowsItsTitle)
 {
     QString text;

@@ -168,6 +168,19 @@ TEST_F(CustomLogWindowTest, ScrollingBackToTheBottomFollowsAgain)
     EXPECT_TRUE(controller->isFollowing());
 }
 
+TEST_F(CustomLogWindowTest, AShortLogIsFollowedAndNothingOfItIsSelected)
+{
+    write("first\n");
+    open();
+    for (int i = 0; i < 5; ++i) {
+        write(fmt::format("line {}\n", i));
+        ASSERT_TRUE(shows(u"line %1"_s.arg(i)));
+        EXPECT_TRUE(controller->isFollowing());
+        EXPECT_FALSE(view->textCursor().hasSelection());
+        EXPECT_FALSE(the<QPushButton>("followButton").isVisible());
+    }
+}
+
 TEST_F(CustomLogWindowTest, ASelectionOutlivesNewLines)
 {
     write("first\n");

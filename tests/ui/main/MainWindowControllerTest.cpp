@@ -272,19 +272,20 @@ TEST_F(MainWindowControllerTest, ActionsReachTheApplication)
 
 TEST_F(MainWindowControllerTest, ResettingAsksFirstAndSaysThatItCannotBeUndone)
 {
-    application.scriptedDialogs.answers = {true};
+    application.scriptedDialogs.answers = {false};
     controller().resetAndReload();
     ASSERT_EQ(application.scriptedDialogs.questions.size(), 1);
     const auto& question = application.scriptedDialogs.questions.first();
     EXPECT_TRUE(question.text.contains(u"dropped"_s));
     EXPECT_TRUE(question.text.contains(u"cannot be undone"_s));
-    EXPECT_EQ(question.alternateButton, u"Cancel"_s);
+    EXPECT_EQ(question.defaultButton, u"Keep the List"_s) << "Return and Escape lose nothing";
+    EXPECT_TRUE(question.isClosingDefault);
     EXPECT_EQ(application.actions, QStringList{u"resetAndReloadFromServer"_s});
 }
 
 TEST_F(MainWindowControllerTest, NothingIsResetWhenTheUserSaysNo)
 {
-    application.scriptedDialogs.answers = {false};
+    application.scriptedDialogs.answers = {true};
     controller().resetAndReload();
     EXPECT_EQ(application.scriptedDialogs.questions.size(), 1);
     EXPECT_EQ(application.actions, QStringList());

@@ -69,7 +69,7 @@ TEST_F(MainWindowTest, AShortcutWorksFromTheList)
 
 TEST_F(MainWindowTest, ResettingAsksInTheWindowToo)
 {
-    application.scriptedDialogs.answers = {false, true};
+    application.scriptedDialogs.answers = {true, false};
     trigger(u"resetAndReloadAction"_s);
     EXPECT_EQ(application.actions, QStringList());
     trigger(u"resetAndReloadAction"_s);

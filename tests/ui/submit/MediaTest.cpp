@@ -172,7 +172,7 @@ TEST_F(SubmitMedia, ARecordingWhoseLengthCannotBeReadIsCountedInTheSummary)
     ffmpeg.whenProbing().shell("case $last in *a.mov) echo '  Duration: 00:00:59.00, x' >&2;; esac");
     controller.addMediaFiles({recording(u"a.mov"_s), recording(u"b.mov"_s)});
     waitUntilRead();
-    EXPECT_EQ(controller.mediaSummary(), u"2 recordings, 0:00:59 (length of 1 not known)"_s);
+    EXPECT_EQ(controller.mediaSummary(), u"2 recordings, 0:00:59, 1 of unknown length"_s);
     EXPECT_EQ(controller.mediaFilesModel().index(0, MediaFilesModel::Duration).data().toString(), u"0:00:59"_s);
     EXPECT_EQ(controller.mediaFilesModel().index(1, MediaFilesModel::Duration).data().toString(), u"—"_s);
 }

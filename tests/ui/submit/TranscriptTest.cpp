@@ -153,12 +153,14 @@ TEST_F(SubmitTranscript, MoreOrLessThanOneChosenFileFailsAnAssertion)
     }
 }
 
-TEST_F(SubmitTranscript, APathThatIsStillTypedIsIgnoredAndTold)
+TEST_F(SubmitTranscript, APathIsIgnoredWhileItIsTypedAndToldOnceItHasBeen)
 {
     const QString path = transcript();
     controller.controlTextDidChange(path.chopped(1));
     EXPECT_EQ(job().transcriptFile(), QString());
     EXPECT_EQ(controller.transcriptText(), path.chopped(1));
+    EXPECT_EQ(controller.transcriptMessage(), QString());
+    controller.newTrascriptFilePathEntered(path.chopped(1));
     EXPECT_EQ(controller.transcriptMessage(), u"There is no file at this path."_s);
     controller.controlTextDidChange(path);
     EXPECT_EQ(job().transcriptFile(), path);

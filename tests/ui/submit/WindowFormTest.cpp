@@ -145,29 +145,66 @@ TEST_F(SubmitWindowForm, TypedNamesAreTheJobs)
     EXPECT_EQ(job().deponentLastName(), u"Doe"_s);
 }
 
-TEST_F(SubmitWindowForm, TheDateFollowsTheJobAndSaysWhenThereIsNone)
+TEST_F(SubmitWindowForm, TheDateFollowsTheJobAndIsEmptyWhereThereIsNone)
 {
-    EXPECT_EQ(date().date(), QDate::currentDate());
-    date().setDate(QDate(2026, 3, 4));
-    EXPECT_EQ(job().depositionDate(), QDateTime(QDate(2026, 3, 4), QTime(12, 0)));
-    EXPECT_EQ(date().text(), QLocale().toString(QDate(2026, 3, 4), u"d MMMM yyyy"_s));
+    EXPECT_EQ(date().text(), QLocale().toString(QDate::currentDate(), u"d MMMM yyyy"_s));
+    job().setDepositionDate(QDateTime(QDate(2026, 3, 4), QTime(12, 0)));
+    EXPECT_EQ(date().text(), u"4 March 2026"_s);
     job().setDepositionDate({});
-    EXPECT_EQ(date().text(), u"No date"_s);
+    EXPECT_EQ(date().text(), QString());
+    EXPECT_EQ(date().placeholderText(), u"No date"_s);
     EXPECT_FALSE(job().depositionDate().isValid()) << "showing it sets nothing";
-    date().setDate(date().minimumDate().addDays(1));
-    date().setDate(date().minimumDate());
+}
+
+TEST_F(SubmitWindowForm, ADateIsTypedHoweverItIsWritten)
+{
+    for (const QString& text :
+         {u"2026-03-05"_s, u"3/5/2026"_s, u"March 5, 2026"_s, u" 5 march 2026"_s, u"Mar 5, 2026"_s}) {
+        job().setDepositionDate({});
+        enter(date());
+        QTest::keyClicks(&date(), text);
+        QTest::keyClick(&date(), Qt::Key_Return);
+        EXPECT_EQ(job().depositionDate(), QDateTime(QDate(2026, 3, 5), QTime(12, 0))) << text.toStdString();
+        EXPECT_EQ(date().text(), u"5 March 2026"_s);
+        EXPECT_FALSE(find(u"dateMessageLabel"_s).isVisible());
+    }
+    date().selectAll();
+    QTest::keyClick(&date(), Qt::Key_Delete);
+    QTest::keyClick(&date(), Qt::Key_Return);
     EXPECT_FALSE(job().depositionDate().isValid());
 }
 
-TEST_F(SubmitWindowForm, WithoutADateTheCalendarOpensAtToday)
+TEST_F(SubmitWindowForm, ATextThatIsNoDateStaysIsToldAndLeavesTheJobWithoutOne)
 {
+    auto& message = find<QLabel>(u"dateMessageLabel"_s);
+    for (const QString& text : {u"31 February 2026"_s, u"next week"_s}) {
+        enter(date());
+        date().selectAll();
+        QTest::keyClicks(&date(), text);
+        enter(find(u"deponentFirstNameField"_s));
+        EXPECT_EQ(date().text(), text);
+        EXPECT_EQ(message.text(), u"“%1” is no date. Please enter it as in 4 March 2026."_s.arg(text));
+        EXPECT_TRUE(message.isVisible());
+        EXPECT_FALSE(job().depositionDate().isValid());
+    }
+    controller.addTranscriptFile(transcript());
+    EXPECT_FALSE(message.isVisible()) << "the transcript's date replaces it";
+    EXPECT_EQ(date().text(), QLocale().toString(job().depositionDate().date(), u"d MMMM yyyy"_s));
+}
+
+TEST_F(SubmitWindowForm, TheDateIsSteppedAndChosenInTheCalendar)
+{
+    job().setDepositionDate(QDateTime(QDate(2026, 3, 4), QTime(12, 0)));
+    enter(date());
+    QTest::keyClick(&date(), Qt::Key_Up);
+    EXPECT_EQ(controller.depositionDate(), QDate(2026, 3, 5));
+    date().openCalendar();
+    EXPECT_EQ(date().calendar()->selectedDate(), QDate(2026, 3, 5));
+    Q_EMIT date().calendar()->activated(QDate(2026, 3, 9));
+    EXPECT_EQ(controller.depositionDate(), QDate(2026, 3, 9));
     job().setDepositionDate({});
-    QCalendarWidget* const calendar = date().calendarWidget();
-    calendar->setCurrentPage(1900, 1);
-    QShowEvent shows;
-    QCoreApplication::sendEvent(calendar, &shows);
-    EXPECT_EQ(calendar->yearShown(), QDate::currentDate().year());
-    EXPECT_EQ(calendar->monthShown(), QDate::currentDate().month());
+    QTest::keyClick(&date(), Qt::Key_Down);
+    EXPECT_EQ(controller.depositionDate(), QDate::currentDate()) << "without one, it begins at today";
 }
 
 TEST_F(SubmitWindowForm, ACaptionKeepsTheLetterCaseInWhichItIsTyped)
@@ -196,10 +233,8 @@ TEST_F(SubmitWindowForm, AWheelOnItsWayOverTheFormChangesNothing)
     };
     turn(caption());
     turn(formats());
-    turn(date());
     EXPECT_EQ(job().shortCaption(), u"Smith v. Jones and others"_s);
     EXPECT_EQ(job().deliveryFormat(), DeliveryFormatAll);
-    EXPECT_EQ(date().date(), QDate::currentDate());
     enter(formats());
     turn(formats());
     EXPECT_EQ(job().deliveryFormat(), DeliveryFormatASCII) << "with the keyboard it is meant";

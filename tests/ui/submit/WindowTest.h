@@ -2,12 +2,12 @@
 
 #include "SubmitTest.h"
 
+#include "ui/controls/DateField.h"
 #include "ui/submit/SubmitJobWindow.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDateEdit>
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -46,7 +46,7 @@ protected:
     QCheckBox& interpreter() { return find<QCheckBox>(QStringLiteral("viaInterpreterCheckBox")); }
     QComboBox& formats() { return find<QComboBox>(QStringLiteral("deliveryFormatComboBox")); }
     QComboBox& caption() { return find<QComboBox>(QStringLiteral("shortCaptionField")); }
-    QDateEdit& date() { return find<QDateEdit>(QStringLiteral("depositionDateEdit")); }
+    DateField& date() { return find<DateField>(QStringLiteral("depositionDateEdit")); }
 
     SubmitJobWindow window{controller};
 };
