@@ -60,6 +60,7 @@ void QuillpostAppDelegate::awakeFromNib()
     m_curlCommandProcessor->setMaxNumOfCommandThreads(std::numeric_limits<int>::max());
     m_jobModel = std::make_unique<JobModel>(*this, m_environment.hosts);
     bindJobModel();
+    connect(m_jobModel.get(), &JobModel::jobStopped, this, &QuillpostAppDelegate::jobStopped);
     m_jobModel->setCurlCommandProcessor(m_curlCommandProcessor.get());
     m_jobModel->setStatusCheckTimeInterval(m_environment.statusCheckTimeInterval);
     m_jobModel->setInstructionsCheckTimeInterval(m_environment.instructionsCheckTimeInterval);
@@ -265,10 +266,19 @@ bool QuillpostAppDelegate::endAllWork()
 
 void QuillpostAppDelegate::presentError(const Error& error)
 {
+    m_lastPresented = error.localizedDescription;
     const Error shown = applicationWillPresentError(error);
     if (shown.domain == ErrorDomain::Platform && shown.code == userCancelled)
         return;
     dialogs().warn(tr("Quillpost"), shown.localizedDescription);
+}
+
+// Most stops come with an error that says why. Those that have none, as of a recording that no sound can be made of,
+// would leave the user before a job that stands still.
+void QuillpostAppDelegate::jobStopped(const std::shared_ptr<Job>& job, const QString& reason)
+{
+    if (m_lastPresented != reason)
+        presentError({ErrorDomain::SyncBase, 0, tr("%1 cannot go on: %2").arg(job->name(), reason)});
 }
 
 Error QuillpostAppDelegate::applicationWillPresentError(const Error& error)

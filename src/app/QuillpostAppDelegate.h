@@ -120,6 +120,7 @@ private:
     [[nodiscard]] bool isDeliveryFolderUsable(const QString& path) const;
     [[nodiscard]] bool mayDiscardUnsubmittedJob();
     void saveOrAsk();
+    void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
 
     Environment m_environment;
     std::shared_ptr<FileLogger> m_fileLogger;
@@ -138,6 +139,7 @@ private:
     QString m_userName;
     QString m_userPassword;
     QString m_userContactID;
+    QString m_lastPresented;      // the words of the error
     bool m_ownsSavedJobs = false; // read, and locked against other programs
     bool m_isAsking = false;      // the question whether to quit is on the screen
     bool m_isTerminating = false;

@@ -1,5 +1,6 @@
 #include "AppTest.h"
 
+#include "engine/JobModel.h"
 #include "support/Waiting.h"
 #include "ui/errors/SyncErrorList.h"
 
@@ -45,4 +46,18 @@ TEST_F(PresentedErrors, ofThePlatformAreShownAndNotListed)
     ASSERT_EQ(dialogs.warnings.size(), 1);
     EXPECT_EQ(dialogs.warnings.first().second, QStringLiteral("No permission"));
     EXPECT_TRUE(app().syncErrorList().errorList().isEmpty());
+}
+
+TEST_F(PresentedErrors, aJobThatStopsWithoutAnErrorIsListedAndOneThatHadOneIsNotListedTwice)
+{
+    makeLoggedIn();
+    const auto job = addUnfinishedJob();
+    Q_EMIT app().jobModel().jobStopped(job, QStringLiteral("No audio could be made of a.wav"));
+    const auto& list = app().syncErrorList();
+    ASSERT_EQ(list.errorList().size(), 1);
+    EXPECT_EQ(list.errorList().last().localizedDescription,
+              QStringLiteral("a.txt cannot go on: No audio could be made of a.wav"));
+    app().presentError({ErrorDomain::SyncBase, 0, QStringLiteral("refused")});
+    Q_EMIT app().jobModel().jobStopped(job, QStringLiteral("refused"));
+    EXPECT_EQ(list.errorList().size(), 2);
 }
