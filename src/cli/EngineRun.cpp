@@ -92,7 +92,16 @@ void EngineRun::reportCompleted(const Job& job)
                                      {QStringLiteral("deliveryFolder"), application().jobModel().deliveryFolder()}});
 }
 
+// Behind what waits to be shown already: the line that a job is done comes after those of its last steps.
 void EngineRun::endIfAllEnded()
+{
+    MainThread::post([run = QPointer(this)] {
+        if (run)
+            run->conclude();
+    });
+}
+
+void EngineRun::conclude()
 {
     if (application().hasEnded())
         return;

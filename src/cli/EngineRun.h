@@ -31,6 +31,7 @@ protected:
     [[nodiscard]] bool hasStoppedJobs() const { return !m_stopped.empty(); }
 
 private:
+    void conclude();
     void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
     void jobRemoved(const std::shared_ptr<Job>& job);
     void stopBlockedJobs();

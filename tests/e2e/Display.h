@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 
 // A display of its own for one test, with a window manager, and a pair of hands on it. Main thread.
@@ -44,6 +45,6 @@ private:
 
     QMap<QString, QString> m_environment;
     ChildProgram m_server{QStringLiteral("Xvfb")};
-    ChildProgram m_windowManager{QStringLiteral("openbox")};
+    std::unique_ptr<ChildProgram> m_windowManager;
     QString m_name;
 };
