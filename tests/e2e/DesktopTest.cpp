@@ -22,9 +22,6 @@ protected:
     {
         environment[QStringLiteral("DISPLAY")] = display.name();
         environment.remove(QStringLiteral("QUILLPOST_PASSWORD"));
-        // What the desktop's own libraries never give back is not the program's.
-        environment[QStringLiteral("LSAN_OPTIONS")] =
-            QStringLiteral("print_suppressions=0:suppressions=") + QStringLiteral(LEAK_SUPPRESSIONS);
     }
 
     void startProgram()
