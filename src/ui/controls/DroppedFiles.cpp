@@ -16,3 +16,8 @@ QStringList DroppedFiles::localPaths(const QMimeData* data)
 {
     return data != nullptr && data->hasUrls() ? localPaths(data->urls()) : QStringList();
 }
+
+Qt::DropAction DroppedFiles::action(const QMimeData* data, Qt::DropActions offered)
+{
+    return offered.testFlag(Qt::CopyAction) && !localPaths(data).isEmpty() ? Qt::CopyAction : Qt::IgnoreAction;
+}

@@ -12,5 +12,8 @@ namespace DroppedFiles {
 [[nodiscard]] QStringList localPaths(const QList<QUrl>& urls);
 // Of a drag that carries files; empty for any other, and for none.
 [[nodiscard]] QStringList localPaths(const QMimeData* data);
+// How such a drag is taken: always as a copy, since the files stay where they are, whatever the other program would
+// rather do. Ignored where it carries no files or allows no copy.
+[[nodiscard]] Qt::DropAction action(const QMimeData* data, Qt::DropActions offered);
 
 } // namespace DroppedFiles

@@ -13,6 +13,7 @@ EmptyStateOverlay::EmptyStateOverlay(QAbstractItemView* view, const QString& tex
     setAlignment(Qt::AlignCenter);
     setWordWrap(true);
     setAttribute(Qt::WA_TransparentForMouseEvents);
+    setForegroundRole(QPalette::WindowText); // not the view's own, which is full
     dim();
     setMargin(fontMetrics().height());
     view->viewport()->installEventFilter(this);

@@ -25,13 +25,9 @@ TranscriptTextField::TranscriptTextField(QWidget* parent) : QLineEdit(parent)
 
 void TranscriptTextField::answerDrag(QDragMoveEvent& event) const
 {
-    if (isReadOnly() || !event.possibleActions().testFlag(Qt::CopyAction) ||
-        DroppedFiles::localPaths(event.mimeData()).isEmpty()) {
-        event.ignore();
-        return;
-    }
-    event.setDropAction(Qt::CopyAction);
-    event.accept();
+    event.setDropAction(isReadOnly() ? Qt::IgnoreAction
+                                     : DroppedFiles::action(event.mimeData(), event.possibleActions()));
+    event.setAccepted(event.dropAction() != Qt::IgnoreAction);
 }
 
 void TranscriptTextField::dragEnterEvent(QDragEnterEvent* event)

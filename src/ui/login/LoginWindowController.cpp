@@ -178,6 +178,7 @@ void LoginWindowController::endWaiting()
     m_loginResultString.clear();
     m_failureDetail.clear();
     m_waitingForResponse = false;
+    Q_EMIT loginResultStringChanged();
     Q_EMIT waitingForResponseChanged();
     Q_EMIT messageChanged();
 }

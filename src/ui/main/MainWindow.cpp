@@ -3,6 +3,7 @@
 #include "ui_MainWindow.h"
 
 #include "ui/controls/CellDelegates.h"
+#include "ui/controls/DroppedFiles.h"
 #include "ui/controls/EmptyStateOverlay.h"
 #include "ui/controls/QuillpostIcons.h"
 #include "ui/controls/WindowBinding.h"
@@ -283,11 +284,8 @@ void MainWindow::saveLook() const
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!event->possibleActions().testFlag(Qt::CopyAction) ||
-        MainWindowController::droppedPaths(event->mimeData()->urls()).isEmpty())
-        return;
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
+    event->setDropAction(DroppedFiles::action(event->mimeData(), event->possibleActions()));
+    event->setAccepted(event->dropAction() != Qt::IgnoreAction);
 }
 
 void MainWindow::dropEvent(QDropEvent* event)

@@ -230,9 +230,7 @@ void SubmitJobWindowController::addDroppedFiles(const QStringList& paths)
 
 Qt::DropAction SubmitJobWindowController::tableViewValidateDrop(const QMimeData* data, Qt::DropActions offered)
 {
-    // Always a copy: the files stay where they are, whatever the other program would rather do.
-    return offered.testFlag(Qt::CopyAction) && !DroppedFiles::localPaths(data).isEmpty() ? Qt::CopyAction
-                                                                                         : Qt::IgnoreAction;
+    return DroppedFiles::action(data, offered);
 }
 
 bool SubmitJobWindowController::tableViewAcceptDrop(const QMimeData* data)

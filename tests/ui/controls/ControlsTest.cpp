@@ -94,6 +94,19 @@ TEST(ElidedLabelTest, AShortTextIsShownWholeWithoutATooltip)
     EXPECT_EQ(label.toolTip(), QString());
 }
 
+TEST(ElidedLabelTest, ItsTextIsItsNameUnlessItWasGivenOne)
+{
+    ElidedLabel plain;
+    plain.setText(u"one"_s);
+    plain.setText(u"two"_s);
+    EXPECT_EQ(plain.accessibleName(), u"two"_s);
+    ElidedLabel named;
+    named.setAccessibleName(u"Service"_s);
+    named.setText(u"Checking…"_s);
+    EXPECT_EQ(named.accessibleName(), u"Service"_s);
+    EXPECT_EQ(named.accessibleDescription(), u"Checking…"_s);
+}
+
 TEST(ElidedLabelTest, ALongTextLosesItsMiddleAndIsToldWhole)
 {
     ElidedLabel label;
@@ -146,6 +159,13 @@ TEST(EmptyStateOverlayTest, ItIsThereWhileTheListIsEmpty)
     EXPECT_TRUE(overlay->isVisible());
     model.insertRow(0);
     EXPECT_FALSE(overlay->isVisible());
+}
+
+TEST(EmptyStateOverlayTest, ItIsFainterThanARowsText)
+{
+    QListView view;
+    const EmptyStateOverlay overlay(&view, u"Drop files here."_s);
+    EXPECT_LT(overlay.palette().color(overlay.foregroundRole()).alphaF(), 0.9F);
 }
 
 TEST(EmptyStateOverlayTest, ItFollowsTheViewsSizeAndAnotherModel)

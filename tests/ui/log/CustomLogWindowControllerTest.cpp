@@ -294,6 +294,22 @@ TEST_F(CustomLogWindowControllerTest, ASearchTellsHowManyMatchesThereAreAndWhich
     EXPECT_EQ(controller->nextMatch(0), std::nullopt);
 }
 
+TEST_F(CustomLogWindowControllerTest, TheSelectedMatchKeepsItsNumberRightWhileOlderOnesGo)
+{
+    application.logger = std::make_shared<FileLogger>(path(u"large"_s), /*maximumFileSize=*/10'000'000);
+    std::string lines = "depo\n";
+    for (int i = 3; i < CustomLogWindowController::maximumLines; ++i)
+        lines += "x\n";
+    write(lines + "depo\n");
+    open(1h);
+    controller->setSearchText(u"depo"_s);
+    ASSERT_TRUE(controller->nextMatch(5));
+    EXPECT_EQ(controller->matchText(), u"2 of 2"_s);
+    write("x\nx\n");
+    controller->refreshLog();
+    EXPECT_EQ(controller->matchText(), u"1 of 1"_s);
+}
+
 TEST_F(CustomLogWindowControllerTest, NewLinesAreSearchedToo)
 {
     write("depo one\n");
