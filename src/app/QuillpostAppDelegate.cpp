@@ -61,6 +61,12 @@ void QuillpostAppDelegate::awakeFromNib()
     m_jobModel = std::make_unique<JobModel>(*this, m_environment.hosts);
     bindJobModel();
     connect(m_jobModel.get(), &JobModel::jobStopped, this, &QuillpostAppDelegate::jobStopped);
+    connect(m_jobModel.get(), &JobModel::jobMayBeHeldTwice, this, [this](const std::shared_ptr<Job>& job) {
+        presentError({ErrorDomain::SyncBase, 0,
+                      tr("%1 is submitted again, since no answer came to its submission. The service may now hold it "
+                         "twice: look for two jobs of this transcript.")
+                          .arg(job->name())});
+    });
     m_jobModel->setCurlCommandProcessor(m_curlCommandProcessor.get());
     m_jobModel->setStatusCheckTimeInterval(m_environment.statusCheckTimeInterval);
     m_jobModel->setInstructionsCheckTimeInterval(m_environment.instructionsCheckTimeInterval);
@@ -140,6 +146,7 @@ void QuillpostAppDelegate::userLoggedIn(const QString& userName, const QString& 
     if (!takeSavedJobs())
         return;
     m_jobModel->loadState(temporaryFolder());
+    m_jobModel->keepState(temporaryFolder());
     m_ownsSavedJobs = true;
     m_jobModel->startJobProcessing();
 }

@@ -34,7 +34,14 @@ void EngineRun::startEngine()
     m_follower = std::make_unique<JobFollower>(model, application().reporter());
     connect(&model, &JobModel::jobAdded, this, &EngineRun::jobWasAdded);
     application().setIsSaving(true);
+    connect(&model, &JobModel::jobMayBeHeldTwice, this, [this](const std::shared_ptr<Job>& job) {
+        application().reporter().note(Text::format(
+            "{} was being submitted when the program ended, and is submitted again. The service may now hold "
+            "it twice: look for two depositions of this transcript in `quillpost-cli jobs`.",
+            job->name()));
+    });
     model.loadState(application().tempFolder());
+    model.keepState(application().tempFolder());
     model.startJobProcessing();
     m_blockedCheck.start(blockedCheckRate);
 }

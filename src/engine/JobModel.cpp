@@ -1,6 +1,7 @@
 #include "engine/JobModel.h"
 
 #include "commands/CUrlCommandProcessor.h"
+#include "engine/StateKeeper.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
@@ -18,6 +19,7 @@ JobModel::JobModel(ApplicationServices& services, ServiceHosts hosts) : m_servic
 JobModel::~JobModel()
 {
     endWork();
+    m_stateKeeper.reset();
 }
 
 QString JobModel::tempFilesFolder() const

@@ -25,6 +25,7 @@
 class AddJobSegmentsCommand;
 class CUrlCommand;
 class CUrlCommandProcessor;
+class StateKeeper;
 class UploadCommand;
 
 // The engine: owns the jobs, moves each from submission to its delivered files, and keeps the unfinished ones between
@@ -127,6 +128,9 @@ public:
     // The user's unfinished local jobs, in "State_<user name>.archive" in the folder. Returns what went
     // wrong, which is logged too; processing goes on all the same.
     std::optional<Error> saveState(const QString& folder);
+    // From now on each change of an unfinished local job is in that file within a second. A file that cannot be written
+    // is presented, once.
+    void keepState(const QString& folder);
     // Adds the saved jobs and goes on with what was interrupted. Does nothing without a user name; a file that is
     // missing or cannot be read yields no jobs.
     void loadState(const QString& folder);
@@ -201,6 +205,9 @@ Q_SIGNALS:
     void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
     // A delivery has ended as the service sees it, but these of its files are missing or broken here.
     void deliveryHadProblems(const std::shared_ptr<Job>& job, const QStringList& problems);
+    // A saved job whose submission was under way is submitted again. The service may hold it already, under the same
+    // transcript name.
+    void jobMayBeHeldTwice(const std::shared_ptr<Job>& job);
     // The upload of the log has ended, one way or the other.
     void logFileUploadEnded();
 
@@ -273,6 +280,8 @@ private:
     QString m_username;
     QString m_password;
     std::set<std::shared_ptr<AudioExtractor>> m_runningExtractors;
+
+    std::unique_ptr<StateKeeper> m_stateKeeper;
 
     WorkerThreads m_threads; // last: its threads use all the others
 };

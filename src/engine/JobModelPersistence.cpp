@@ -3,6 +3,7 @@
 #include "engine/InterruptedWork.h"
 #include "engine/JobModel.h"
 #include "engine/SavedState.h"
+#include "engine/StateKeeper.h"
 #include "foundation/Log.h"
 
 #include <QFile>
@@ -16,12 +17,22 @@ std::optional<Error> JobModel::saveState(const QString& folder)
 {
     const bool wasProcessing = m_doFindAndProcessJobs;
     stopJobProcessing();
-    auto error = SavedState::write(stateFilePath(folder), jobs());
+    const QString path = stateFilePath(folder);
+    if (m_stateKeeper && m_stateKeeper->path() == path)
+        m_stateKeeper->settle(); // It must not write an older picture over this one.
+    auto error = SavedState::write(path, jobs());
     if (error)
         Log::error("Unable to save the jobs: {}", error->localizedDescription);
     if (wasProcessing)
         startJobProcessing();
     return error;
+}
+
+void JobModel::keepState(const QString& folder)
+{
+    m_stateKeeper = std::make_unique<StateKeeper>(*this, stateFilePath(folder));
+    connect(m_stateKeeper.get(), &StateKeeper::writingFailed, this,
+            [this](const Error& error) { m_services.presentError(error); });
 }
 
 void JobModel::loadState(const QString& folder)
@@ -31,11 +42,18 @@ void JobModel::loadState(const QString& folder)
     const bool wasProcessing = m_doFindAndProcessJobs;
     stopJobProcessing();
     const std::vector<JobPointer> jobsBefore = jobs();
-    const SavedState::Contents saved = SavedState::read(stateFilePath(folder));
+    const SavedState::Contents saved = SavedState::readLastGood(stateFilePath(folder));
     if (saved.problem)
         m_services.presentError(SavedState::keepAside(stateFilePath(folder), *saved.problem));
     for (const JobPointer& job : saved.jobs)
         addJobsObject(job);
+    for (const JobPointer& job : saved.submittedPerhaps) {
+        Log::warning(
+            "{} was being submitted when the program ended, and is submitted again; the service may now hold it "
+            "twice",
+            job->name());
+        Q_EMIT jobMayBeHeldTwice(job);
+    }
     for (const JobPointer& job : saved.jobs)
         continueInterruptedWork(job);
     for (const JobPointer& job : jobsBefore)

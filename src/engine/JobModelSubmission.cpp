@@ -6,6 +6,7 @@
 #include "commands/UploadCommand.h"
 #include "engine/DestinationFileName.h"
 #include "engine/JobModel.h"
+#include "engine/StateKeeper.h"
 #include "foundation/Assertion.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
@@ -32,9 +33,15 @@ QString submissionError(const Job& job, const QString& response)
 
 void JobModel::submitJobDetails(const JobPointer& job)
 {
-    post(SubmitJobDetailsCommand::submitJobDetailsCommandWithUser(m_hosts, username(), password(), job));
+    const auto command = SubmitJobDetailsCommand::submitJobDetailsCommandWithUser(m_hosts, username(), password(), job);
     for (const MediaFilePointer& mediaFile : job->mediaFiles())
         mediaFile->setStatus(JobStatusSubmittingDetails);
+    // The saved jobs tell of a submission before it leaves: a run after a crash knows that the service may hold the
+    // job.
+    if (m_stateKeeper)
+        m_stateKeeper->whenSaved([this, command] { post(command); });
+    else
+        post(command);
 }
 
 void JobModel::processJobSubmitJobDetailsResponse(const JobPointer& job, const QString& response)

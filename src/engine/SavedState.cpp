@@ -2,6 +2,7 @@
 
 #include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
+#include "foundation/NumberReading.h"
 #include "foundation/PathText.h"
 #include "foundation/Text.h"
 
@@ -11,6 +12,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +26,25 @@ QString asFileNamePart(const QString& username)
     return part.replace(u'%', QStringLiteral("%25")).replace(u'/', QStringLiteral("%2F")).remove(QChar(u'\0'));
 }
 
+// A second name for the file of now, put in the place of the one before in one step: at every moment both names are of
+// whole files. Where links cannot be made there is none before.
+void keepPrevious(const QString& path)
+{
+    const QByteArray file = QFile::encodeName(path);
+    const QByteArray previous = QFile::encodeName(SavedState::previousPath(path));
+    const QByteArray beside = previous + ".new";
+    ::unlink(beside.constData());
+    if (::link(file.constData(), beside.constData()) == 0)
+        ::rename(beside.constData(), previous.constData());
+}
+
+// Sent, and nothing known of what came back.
+bool isSubmittedPerhaps(const QJsonObject& archive)
+{
+    return archive.value(QStringLiteral("status")).toInt() == JobStatusSubmittingDetails &&
+           archive.value(QStringLiteral("depoNum")).toInt() == 0;
+}
+
 } // namespace
 
 QString SavedState::filePath(const QString& folder, const QString& username)
@@ -31,17 +53,33 @@ QString SavedState::filePath(const QString& folder, const QString& username)
                                                         QStringLiteral(".archive"));
 }
 
+QString SavedState::previousPath(const QString& path)
+{
+    return path + QStringLiteral(".previous");
+}
+
+bool SavedState::isKept(const Job& job)
+{
+    return !job.serverJob() && job.status() < JobStatusDownloaded;
+}
+
 std::optional<Error> SavedState::write(const QString& path, const std::vector<std::shared_ptr<Job>>& jobs)
 {
     QJsonArray archives;
     for (const auto& job : jobs) {
-        if (job->serverJob() || job->status() >= JobStatusDownloaded)
+        if (!isKept(*job))
             continue;
         if (const auto archive = job->encode())
             archives.append(*archive);
     }
+    return writeArchives(path, archives);
+}
+
+std::optional<Error> SavedState::writeArchives(const QString& path, const QJsonArray& archives)
+{
     const QJsonObject state{{QStringLiteral("version"), stateFileVersion}, {QStringLiteral("jobs"), archives}};
     QDir().mkpath(QFileInfo(path).path());
+    keepPrevious(path);
     return AtomicFile::write(path, QJsonDocument(state).toJson());
 }
 
@@ -51,22 +89,45 @@ SavedState::Contents SavedState::read(const QString& path)
     if (!file.exists())
         return {};
     if (!file.open(QIODevice::ReadOnly))
-        return {{}, file.errorString()};
+        return {.problem = file.errorString()};
     QJsonParseError parseError;
     const QJsonObject state = QJsonDocument::fromJson(file.readAll(), &parseError).object();
     if (parseError.error != QJsonParseError::NoError)
-        return {{}, parseError.errorString()};
+        return {.problem = parseError.errorString()};
     if (state.value(QStringLiteral("version")).toInt() != stateFileVersion ||
         !state.value(QStringLiteral("jobs")).isArray())
-        return {{}, QStringLiteral("it is of another version of this program")};
+        return {.problem = QStringLiteral("it is of another version of this program")};
     Contents contents;
     for (const QJsonValue& archive : state.value(QStringLiteral("jobs")).toArray()) {
-        if (auto job = Job::decode(archive.toObject()))
-            contents.jobs.push_back(std::move(job));
-        else
+        const auto job = Job::decode(archive.toObject());
+        if (!job) {
             contents.problem = QStringLiteral("a job in it is damaged");
+            continue;
+        }
+        contents.jobs.push_back(job);
+        if (isSubmittedPerhaps(archive.toObject()))
+            contents.submittedPerhaps.push_back(job);
     }
     return contents;
+}
+
+SavedState::Contents SavedState::readLastGood(const QString& path)
+{
+    Contents contents = read(path);
+    // A file is missing too where a run ended just after it had put a damaged one aside.
+    if (!contents.problem && QFileInfo::exists(path))
+        return contents;
+    Contents previous = read(previousPath(path));
+    if (previous.jobs.size() <= contents.jobs.size())
+        return contents;
+    Log::warning("The jobs are taken from the file saved before, {}", previousPath(path));
+    previous.problem = contents.problem;
+    // What was submitted since then is not known.
+    previous.submittedPerhaps.clear();
+    for (const auto& job : previous.jobs)
+        if (NumberReading::valueOrZero(job->depoNum()) == 0)
+            previous.submittedPerhaps.push_back(job);
+    return previous;
 }
 
 Error SavedState::keepAside(const QString& path, const QString& problem)

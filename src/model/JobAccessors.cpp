@@ -229,6 +229,7 @@ bool Job::transcriptUploaded() const
 void Job::setTranscriptUploaded(bool transcriptUploaded)
 {
     store(m_transcriptUploaded, transcriptUploaded);
+    Q_EMIT rowChanged(); // It is saved with the job.
 }
 
 QUrl Job::transcriptFileURL() const

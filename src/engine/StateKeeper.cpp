@@ -1,0 +1,201 @@
+#include "engine/StateKeeper.h"
+
+#include "engine/JobModel.h"
+#include "engine/SavedState.h"
+#include "foundation/Log.h"
+#include "foundation/MainThread.h"
+
+#include <algorithm>
+
+namespace {
+
+// Between two pictures. Together with the writing it stays well below the second that a crash may cost.
+constexpr auto gatheringTime = std::chrono::milliseconds(250);
+// After a failure, so that a full disk is tried again though nothing changes.
+constexpr auto retryTime = std::chrono::seconds(5);
+
+} // namespace
+
+StateKeeper::StateKeeper(JobModel& model, QString path) : m_model(model), m_path(std::move(path))
+{
+    m_changes->keeper = this;
+    m_gathering.setSingleShot(true);
+    connect(&m_gathering, &QTimer::timeout, this, &StateKeeper::takePicture);
+    connect(&model, &JobModel::jobAdded, this, [this](const std::shared_ptr<Job>& job) {
+        follow(job);
+        m_isSetChanged = true;
+        arm();
+    });
+    connect(&model, &JobModel::jobRemoved, this, [this](const std::shared_ptr<Job>& job) {
+        unfollow(job.get());
+        m_isSetChanged = true;
+        arm();
+    });
+    for (const auto& job : model.jobs())
+        follow(job);
+    m_threads.start("state keeper", [this] { writeThreadProc(); });
+}
+
+StateKeeper::~StateKeeper()
+{
+    m_changes->keeper = nullptr;
+    for (auto& [job, followed] : m_followed) {
+        for (const auto& connection : followed.connections)
+            disconnect(connection);
+    }
+    settle();
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isEnding = true;
+    }
+    m_wake.notify_one();
+    while (!m_threads.waitUntilAllEnded(std::chrono::seconds(1))) {
+    }
+}
+
+void StateKeeper::settle()
+{
+    m_gathering.stop();
+    std::unique_lock lock(m_mutex);
+    m_idle.wait(lock, [this] { return !m_picture && !m_isWriting; });
+}
+
+// Following
+
+void StateKeeper::follow(const std::shared_ptr<Job>& job)
+{
+    if (job->serverJob())
+        return;
+    Followed& followed = m_followed[job.get()];
+    const auto note = [changes = m_changes, raw = job.get()] { Changes::note(changes, raw); };
+    followed.connections.push_back(connect(job.get(), &MediaObject::rowChanged, note));
+    for (const auto& mediaFile : job->mediaFiles())
+        followed.connections.push_back(connect(mediaFile.get(), &MediaObject::rowChanged, note));
+    note();
+}
+
+void StateKeeper::unfollow(const Job* job)
+{
+    const auto found = m_followed.find(job);
+    if (found == m_followed.end())
+        return;
+    for (const auto& connection : found->second.connections)
+        disconnect(connection);
+    m_followed.erase(found);
+}
+
+void StateKeeper::Changes::note(const std::shared_ptr<Changes>& changes, const Job* job)
+{
+    {
+        const std::scoped_lock lock(changes->mutex);
+        changes->jobs.insert(job);
+        if (std::exchange(changes->isTold, true))
+            return;
+    }
+    // In a turn of its own, also on the main thread: the change that this tells of is still being made.
+    MainThread::post([changes] {
+        if (changes->keeper != nullptr)
+            changes->keeper->arm();
+    });
+}
+
+void StateKeeper::arm()
+{
+    if (m_gathering.isActive())
+        return;
+    const std::chrono::milliseconds passed(m_sinceLastPicture.isValid() ? m_sinceLastPicture.elapsed()
+                                                                        : gatheringTime.count());
+    m_gathering.start(std::max(gatheringTime - passed, std::chrono::milliseconds(0)));
+}
+
+// Writing
+
+bool StateKeeper::encodeChanged()
+{
+    std::unordered_set<const Job*> changed;
+    {
+        const std::scoped_lock lock(m_changes->mutex);
+        changed.swap(m_changes->jobs);
+        m_changes->isTold = false;
+    }
+    bool differs = std::exchange(m_isSetChanged, false);
+    for (const Job* const job : changed) {
+        const auto followed = m_followed.find(job);
+        if (followed == m_followed.end())
+            continue;
+        std::optional<QJsonObject> archive;
+        if (SavedState::isKept(*job))
+            archive = job->encode();
+        if (archive == followed->second.archive)
+            continue;
+        followed->second.archive = std::move(archive);
+        differs = true;
+    }
+    return differs;
+}
+
+void StateKeeper::takePicture()
+{
+    // Progress is a change of a row, but none of what is kept.
+    if (!encodeChanged() && !m_hasFailed)
+        return;
+    QJsonArray archives;
+    for (const auto& job : m_model.jobs()) {
+        if (const auto followed = m_followed.find(job.get()); followed != m_followed.end() && followed->second.archive)
+            archives.append(*followed->second.archive);
+    }
+    m_sinceLastPicture.start();
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_picture = Picture{++m_lastTaken, std::move(archives)};
+    }
+    m_wake.notify_one();
+}
+
+void StateKeeper::writeThreadProc()
+{
+    std::unique_lock lock(m_mutex);
+    while (true) {
+        m_wake.wait(lock, [this] { return m_picture || m_isEnding; });
+        if (m_isEnding)
+            return;
+        const Picture picture = *std::exchange(m_picture, std::nullopt);
+        m_isWriting = true;
+        lock.unlock();
+        const auto error = SavedState::writeArchives(m_path, picture.archives);
+        MainThread::post([changes = m_changes, number = picture.number, error] {
+            if (changes->keeper != nullptr)
+                changes->keeper->written(number, error);
+        });
+        lock.lock();
+        m_isWriting = false;
+        m_idle.notify_all();
+    }
+}
+
+void StateKeeper::whenSaved(std::function<void()> then)
+{
+    takePicture();
+    if (m_lastWritten == m_lastTaken)
+        then();
+    else
+        m_waiting.emplace_back(m_lastTaken, std::move(then));
+}
+
+void StateKeeper::written(std::uint64_t number, const std::optional<Error>& error)
+{
+    m_lastWritten = number;
+    while (!m_waiting.empty() && m_waiting.front().first <= number) {
+        const auto then = std::move(m_waiting.front().second);
+        m_waiting.pop_front();
+        then();
+    }
+    const bool failedBefore = std::exchange(m_hasFailed, error.has_value());
+    if (!error)
+        return;
+    m_gathering.start(retryTime);
+    if (failedBefore)
+        return;
+    Log::error("Unable to save the jobs: {}", error->localizedDescription);
+    Q_EMIT writingFailed(*error);
+}
