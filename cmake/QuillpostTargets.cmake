@@ -69,7 +69,10 @@ function(quillpost_test room)
   add_executable(${target} ${ARG_SOURCES})
   set_target_properties(${target} PROPERTIES AUTOMOC ON)
   target_link_libraries(${target} PRIVATE ${main} ${ARG_LINKS} GTest::gmock)
+  # Lists lose all but their first element on their way into the discovered tests, so each variable has a property of
+  # its own.
   gtest_discover_tests(${target} TEST_PREFIX "${room}/" DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${ARG_TIMEOUT}
-    ENVIRONMENT "TSAN_OPTIONS=ignore_noninstrumented_modules=1 halt_on_error=1;ASAN_OPTIONS=detect_stack_use_after_return=1")
+    ENVIRONMENT "TSAN_OPTIONS=ignore_noninstrumented_modules=1 halt_on_error=1"
+    ENVIRONMENT_MODIFICATION "ASAN_OPTIONS=set:detect_stack_use_after_return=1")
 endfunction()

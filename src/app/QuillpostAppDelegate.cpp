@@ -6,6 +6,8 @@
 #include "engine/SavedState.h"
 #include "foundation/Log.h"
 #include "foundation/NumberReading.h"
+#include "foundation/PrivateFolder.h"
+#include "foundation/Secrets.h"
 #include "foundation/Text.h"
 #include "foundation/UserDefaults.h"
 #include "settings/SettingsKey.h"
@@ -18,7 +20,6 @@
 #include "ui/preferences/PreferencesWindowController.h"
 #include "ui/submit/SubmitJobWindowController.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <curl/curl.h>
 
@@ -121,7 +122,7 @@ QString QuillpostAppDelegate::temporaryFolder() const
 void QuillpostAppDelegate::applicationDidFinishLaunching()
 {
     const QString folder = temporaryFolder();
-    if (folder.isEmpty() || !QDir().mkpath(folder))
+    if (folder.isEmpty() || !PrivateFolder::make(folder))
         presentError({ErrorDomain::Platform, 0,
                       folder.isEmpty() ? tr("There is no folder for temporary files: this account has no home folder.")
                                        : tr("The folder for temporary files cannot be made: %1").arg(folder)});
@@ -274,7 +275,9 @@ bool QuillpostAppDelegate::endAllWork()
 void QuillpostAppDelegate::presentError(const Error& error)
 {
     m_lastPresented = error.localizedDescription;
-    const Error shown = applicationWillPresentError(error);
+    // The service's words may hold what it was sent.
+    const Error shown =
+        applicationWillPresentError({error.domain, error.code, Secrets::masked(error.localizedDescription)});
     if (shown.domain == ErrorDomain::Platform && shown.code == userCancelled)
         return;
     dialogs().warn(tr("Quillpost"), shown.localizedDescription);

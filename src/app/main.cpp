@@ -7,6 +7,7 @@
 #include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
+#include "foundation/Secrets.h"
 #include "foundation/UserFolders.h"
 #include "foundation/Version.h"
 #include "ui/controls/QtUserDialogs.h"
@@ -84,6 +85,10 @@ void runUntilQuit(const QuillpostAppDelegate::Environment& environment,
 
 int main(int argc, char** argv)
 {
+    // Only the command line asks for them; the programs that this one starts need not see them either.
+    for (const char* const variable : {"QUILLPOST_PASSWORD", "QUILLPOST_NEW_PASSWORD"})
+        static_cast<void>(Secrets::takeFromEnvironment(variable));
+    Secrets::keepMemoryPrivate();
     Interruption::install();
     // Before anything that needs a display.
     if (asksForWords(argc, argv)) {

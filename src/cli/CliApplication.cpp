@@ -9,6 +9,8 @@
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
+#include "foundation/PrivateFolder.h"
+#include "foundation/Secrets.h"
 #include "foundation/Text.h"
 #include "foundation/UserFolders.h"
 #include "settings/Preferences.h"
@@ -23,8 +25,6 @@
 
 namespace {
 
-constexpr const char* passwordVariable = "QUILLPOST_PASSWORD";
-constexpr const char* newPasswordVariable = "QUILLPOST_NEW_PASSWORD";
 constexpr std::chrono::milliseconds longestLogUpload{3000};
 
 int storedLimit(const UserDefaults& defaults, const QString& key)
@@ -35,11 +35,10 @@ int storedLimit(const UserDefaults& defaults, const QString& key)
 
 } // namespace
 
-CliApplication::CliApplication(const CommandLine& line)
-    : m_line(line), m_reporter(Reporter::make(line.json)), m_defaults(UserFolders::settingsFilePath())
+CliApplication::CliApplication(const CommandLine& line, PasswordVariables variables)
+    : m_line(line), m_variables(std::move(variables)), m_reporter(Reporter::make(line.json)),
+      m_defaults(UserFolders::settingsFilePath())
 {
-    m_passwordVariable = takeVariable(passwordVariable);
-    m_newPasswordVariable = takeVariable(newPasswordVariable);
     UserDefaults::setStandard(&m_defaults);
     configureLog();
     Preferences::initialize(m_defaults);
@@ -84,24 +83,18 @@ bool CliApplication::prepareForService()
     return true;
 }
 
-std::optional<QString> CliApplication::takeVariable(const char* variable)
-{
-    const QString value = qEnvironmentVariable(variable);
-    qunsetenv(variable);
-    return value.isEmpty() ? std::nullopt : std::optional(value);
-}
-
 std::optional<QString> CliApplication::secret(Secret which, const QString& prompt)
 {
-    const auto& variable = which == Secret::Password ? m_passwordVariable : m_newPasswordVariable;
-    if (variable)
-        return variable;
-    const auto answer = Terminal::askSecret(prompt);
-    if (answer && !answer->isEmpty())
+    const auto& variable = which == Secret::Password ? m_variables.password : m_variables.newPassword;
+    const auto answer = variable ? variable : Terminal::askSecret(prompt);
+    if (answer && !answer->isEmpty()) {
+        Secrets::add(*answer);
         return answer;
+    }
     if (!Interruption::isRequested())
         m_reporter->error(Text::format("No password: set {}, or answer on a terminal.",
-                                       which == Secret::Password ? passwordVariable : newPasswordVariable));
+                                       which == Secret::Password ? PasswordVariables::passwordName
+                                                                 : PasswordVariables::newPasswordName));
     return std::nullopt;
 }
 
@@ -137,11 +130,9 @@ void CliApplication::makeEngine()
     });
 }
 
-bool CliApplication::makeFolder(const QString& path, const QString& words)
+bool CliApplication::checkFolder(const QString& path, const QString& words)
 {
-    const QFileInfo folder(path);
-    if (!path.isEmpty() && (folder.exists() || QDir().mkpath(path)) && QFileInfo(path).isDir() &&
-        QFileInfo(path).isWritable())
+    if (!path.isEmpty() && QFileInfo(path).isDir() && QFileInfo(path).isWritable())
         return true;
     m_reporter->error(Text::format("{}: {} cannot be made or written.", words, path));
     return false;
@@ -154,8 +145,13 @@ bool CliApplication::prepareFolders()
     };
     m_tempFolder = folder(m_line.tempFolder, SettingsKey::TemporaryFolder);
     m_deliveryFolder = folder(m_line.deliveryFolder, SettingsKey::DeliveryFolderPath);
-    if (!makeFolder(m_tempFolder, QStringLiteral("The temporary folder")) ||
-        !makeFolder(m_deliveryFolder, QStringLiteral("The delivery folder")))
+    PrivateFolder::make(m_tempFolder);
+    if (!checkFolder(m_tempFolder, QStringLiteral("The temporary folder")))
+        return false;
+    // The delivered files are for whom the user means them: they have the modes that the user's mask gives.
+    if (!m_deliveryFolder.isEmpty())
+        QDir().mkpath(m_deliveryFolder);
+    if (!checkFolder(m_deliveryFolder, QStringLiteral("The delivery folder")))
         return false;
     m_jobModel->setTempFilesFolder(m_tempFolder);
     m_jobModel->setDeliveryFolder(m_deliveryFolder);

@@ -2,6 +2,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/ExitCode.h"
+#include "cli/PasswordVariables.h"
 #include "cli/Reporter.h"
 #include "cli/ServiceRequest.h"
 #include "commands/CUrlCommandProcessor.h"
@@ -24,7 +25,7 @@
 class CliApplication : public ApplicationServices
 {
 public:
-    explicit CliApplication(const CommandLine& line);
+    CliApplication(const CommandLine& line, PasswordVariables variables);
     ~CliApplication() override;
     CliApplication(const CliApplication&) = delete;
     CliApplication& operator=(const CliApplication&) = delete;
@@ -68,19 +69,19 @@ public:
     enum class Secret { Password, NewPassword };
     // From the environment or the terminal; nothing, after words for the user, where neither has it.
     [[nodiscard]] std::optional<QString> secret(Secret which, const QString& prompt);
-    [[nodiscard]] bool isNewPasswordInEnvironment() const { return m_newPasswordVariable.has_value(); }
+    [[nodiscard]] bool isNewPasswordInEnvironment() const { return m_variables.newPassword.has_value(); }
 
 private:
     void configureLog();
     void makeEngine();
-    [[nodiscard]] bool makeFolder(const QString& path, const QString& words);
+    [[nodiscard]] bool checkFolder(const QString& path, const QString& words);
     void loginEnded(const CUrlCommand& command, bool succeeded, const std::function<void(const QString&)>& loggedIn);
     void foldRepeats();
     void save();
     void finish(ExitCode code);
-    [[nodiscard]] static std::optional<QString> takeVariable(const char* variable);
 
     const CommandLine m_line;
+    const PasswordVariables m_variables;
     std::unique_ptr<Reporter> m_reporter;
     UserDefaults m_defaults;
     std::shared_ptr<FileLogger> m_fileLogger;
@@ -93,9 +94,6 @@ private:
     std::vector<std::unique_ptr<ServiceRequest>> m_requests;
     std::unique_ptr<CUrlCommandProcessor> m_processor; // ends before those that observe its commands
 
-    // Taken out of the environment at once: the programs that this one starts need not know them.
-    std::optional<QString> m_passwordVariable;
-    std::optional<QString> m_newPasswordVariable;
     bool m_hasEnded = false;
     bool m_isSaving = false; // the engine holds jobs that must be saved
     std::optional<Error> m_saveError;

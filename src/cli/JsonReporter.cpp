@@ -63,12 +63,12 @@ void JsonReporter::rowsAre(const std::vector<ProgressRow>& rows)
         print(row);
 }
 
-void JsonReporter::note(const QString& words)
+void JsonReporter::showNote(const QString& words)
 {
     printObject({{QStringLiteral("event"), QStringLiteral("note")}, {QStringLiteral("message"), words}});
 }
 
-void JsonReporter::error(const QString& words)
+void JsonReporter::showError(const QString& words)
 {
     printObject({{QStringLiteral("event"), QStringLiteral("error")}, {QStringLiteral("message"), words}});
     Terminal::printError(words);

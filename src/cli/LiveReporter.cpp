@@ -55,16 +55,16 @@ void LiveReporter::rowsAre(const std::vector<ProgressRow>& rows)
     draw();
 }
 
-void LiveReporter::note(const QString& words)
+void LiveReporter::showNote(const QString& words)
 {
     erase();
     Terminal::printError(words);
     draw();
 }
 
-void LiveReporter::error(const QString& words)
+void LiveReporter::showError(const QString& words)
 {
-    note(words);
+    showNote(words);
 }
 
 void LiveReporter::result(const QString& line, const QJsonObject& /*object*/)

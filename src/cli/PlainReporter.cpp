@@ -39,12 +39,12 @@ void PlainReporter::rowsAre(const std::vector<ProgressRow>& rows)
     }
 }
 
-void PlainReporter::note(const QString& words)
+void PlainReporter::showNote(const QString& words)
 {
     Terminal::printError(words);
 }
 
-void PlainReporter::error(const QString& words)
+void PlainReporter::showError(const QString& words)
 {
     Terminal::printError(words);
 }

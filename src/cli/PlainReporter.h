@@ -11,11 +11,11 @@ class PlainReporter : public Reporter
 public:
     void rowChanged(const ProgressRow& row) override;
     void rowsAre(const std::vector<ProgressRow>& rows) override;
-    void note(const QString& words) override;
-    void error(const QString& words) override;
     void result(const QString& line, const QJsonObject& object) override;
 
 private:
+    void showNote(const QString& words) override;
+    void showError(const QString& words) override;
     struct Told
     {
         QString statusText;

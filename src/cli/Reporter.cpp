@@ -14,8 +14,9 @@ void takeObject(const MediaObject& object, ProgressRow& row)
 {
     row.name = object.name();
     row.status = object.status();
-    row.statusText = jobStatusText(object);
-    row.serverStatus = object.serverStatus();
+    // On the service, both are the service's own words.
+    row.statusText = Secrets::masked(jobStatusText(object));
+    row.serverStatus = Secrets::masked(object.serverStatus());
     row.processed = object.processedValue();
     row.total = object.totalValue();
     row.score = object.scoreValue();

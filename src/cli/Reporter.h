@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Error.h"
+#include "foundation/Secrets.h"
 #include "model/Job.h"
 
 #include <QJsonObject>
@@ -40,11 +41,15 @@ public:
     virtual void rowChanged(const ProgressRow& row) = 0;
     // All rows that the user follows, at a steady rate, for what moves between changes of status.
     virtual void rowsAre(const std::vector<ProgressRow>& rows) = 0;
-    // Words for the user that are not an error.
-    virtual void note(const QString& words) = 0;
-    virtual void error(const QString& words) = 0;
+    // Words for the user that are not an error. Both may quote the service; a password in them is masked.
+    void note(const QString& words) { showNote(Secrets::masked(words)); }
+    void error(const QString& words) { showError(Secrets::masked(words)); }
     // A result in the words of people and of programs.
     virtual void result(const QString& line, const QJsonObject& object) = 0;
 
     [[nodiscard]] static std::unique_ptr<Reporter> make(bool json);
+
+private:
+    virtual void showNote(const QString& words) = 0;
+    virtual void showError(const QString& words) = 0;
 };

@@ -1,9 +1,11 @@
 #include "cli/CliApplication.h"
 #include "cli/CommandLine.h"
+#include "cli/PasswordVariables.h"
 #include "cli/Runs.h"
 #include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
+#include "foundation/Secrets.h"
 #include "foundation/UserFolders.h"
 #include "foundation/Version.h"
 
@@ -14,6 +16,8 @@
 
 int main(int argc, char** argv)
 {
+    PasswordVariables variables = PasswordVariables::take();
+    Secrets::keepMemoryPrivate();
     Interruption::install();
     auto read = CommandLine::read(argc, argv);
     if (const auto* const code = std::get_if<ExitCode>(&read))
@@ -28,7 +32,7 @@ int main(int argc, char** argv)
 
     int code = 0;
     {
-        CliApplication application(line);
+        CliApplication application(line, std::move(variables));
         const auto run = Run::make(application, line);
         const Interruption interruption([&] { application.interrupt(); });
         QTimer::singleShot(0, run.get(), [&] { run->start(); });

@@ -6,8 +6,8 @@
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
 #include "foundation/PathText.h"
+#include "foundation/PrivateFolder.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -167,7 +167,7 @@ void JobModel::convertToMP3ThreadProc(const JobPointer& job, const MediaFilePoin
             Log::error("Job #{}, Unable to delete mp3 file at path = {}, error = {}",
                        NumberReading::valueOrZero(job->depoNum()), mp3Path, file.errorString());
     }
-    QDir().mkpath(Mp3Location::folderOfJob(tempFilesFolder(), *job));
+    PrivateFolder::make(Mp3Location::folderOfJob(tempFilesFolder(), *job));
 
     if (!threadWaitForFfmpegProcessesCondition())
         return;

@@ -1,5 +1,7 @@
 #include "foundation/FileLogger.h"
 
+#include "foundation/PrivateFolder.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -103,7 +105,7 @@ void FileLogger::flush()
 
 void FileLogger::roll()
 {
-    if (!QDir().mkpath(m_folder))
+    if (!PrivateFolder::make(m_folder))
         return;
     deleteFilesOfEndedRuns();
     // Names hold the millisecond, so two that start in the same one must not share a file; and another program's

@@ -1,6 +1,7 @@
 #include "foundation/Log.h"
 
 #include "foundation/FileLogger.h"
+#include "foundation/Secrets.h"
 
 #include <spdlog/details/null_mutex.h>
 #include <spdlog/logger.h>
@@ -187,10 +188,12 @@ bool Log::isEnabled(Level level)
 
 void Log::write(Level level, std::string_view line)
 {
+    // A service that answers with what it was sent must not bring the password into the log.
+    const std::string safe = Secrets::masked(line);
     if (const auto logger = currentLogger())
-        logger->log(spdlogLevel(level), spdlog::string_view_t(line.data(), line.size()));
+        logger->log(spdlogLevel(level), spdlog::string_view_t(safe.data(), safe.size()));
     else if (level == Level::Error)
-        std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+        std::fprintf(stderr, "%s\n", safe.c_str());
 }
 
 void Log::systemLogLine(std::string_view line)

@@ -10,7 +10,8 @@ class FileLogger;
 // The program's log: five levels, each line with its time, level and thread name. Callable from every thread.
 // An error line is in the file before the call returns; other lines are buffered and reach it within a second, on the
 // next error line, or on flush(). Before configure() and after shutDown() lines go nowhere but, for errors, standard
-// error. Lines never hold a password: callers log replies and paths, not request bodies.
+// error. Lines never hold a password: callers log replies and paths, not request bodies, and what a reply echoes
+// is masked (Secrets).
 namespace Log {
 
 enum class Level { Verbose, Debug, Info, Warning, Error };

@@ -1,8 +1,8 @@
 #include "foundation/UserDefaults.h"
 
 #include "foundation/Assertion.h"
+#include "foundation/PrivateFolder.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QUrl>
@@ -32,7 +32,7 @@ void makeForTheUserAlone(const QString& filePath)
 
 UserDefaults::UserDefaults(const QString& filePath) : m_stored(filePath, QSettings::IniFormat)
 {
-    QDir().mkpath(QFileInfo(filePath).absolutePath());
+    PrivateFolder::make(QFileInfo(filePath).absolutePath());
     m_stored.setAtomicSyncRequired(true);
 }
 

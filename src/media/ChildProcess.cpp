@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <string>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -35,6 +36,8 @@ int aboveStandardDescriptors(int descriptor)
 [[noreturn]] void becomeProgram(char* const* arguments, int outputDescriptor, int failureDescriptor, pid_t parent)
 {
     ::setpgid(0, 0);
+    // What it makes of the user's recordings is for the user alone.
+    ::umask(S_IRWXG | S_IRWXO);
     // In a parent without standard descriptors these may have their numbers, which are given away below.
     failureDescriptor = aboveStandardDescriptors(failureDescriptor);
     outputDescriptor = aboveStandardDescriptors(outputDescriptor);

@@ -7,7 +7,8 @@
 #include <sys/types.h>
 
 // A child process with a process group of its own, which is killed when the thread that started it ends, and so when
-// this program is killed. Used by one thread, which waits for the child before it lets go of the object.
+// this program is killed. Files that it makes are readable by the user alone. Used by one thread, which waits for the
+// child before it lets go of the object.
 //
 // Made with fork() rather than through Qt: thread sanitizers lose sight of a thread that starts a QProcess.
 class ChildProcess

@@ -3,6 +3,7 @@
 #include "cli/JsonReporter.h"
 #include "cli/LiveReporter.h"
 #include "cli/PlainReporter.h"
+#include "foundation/Secrets.h"
 #include "model/JobStatus.h"
 
 #include <QJsonDocument>
@@ -10,6 +11,7 @@
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -179,4 +181,34 @@ TEST(LiveReporter, staysLowerThanATerminal)
     EXPECT_THAT(captured.outLines().constLast().toStdString(), HasSubstr("and 181 more"));
     const CapturedOutput justFits([&] { reporter.rowsAre(std::vector<ProgressRow>(20, submitted)); });
     EXPECT_THAT(justFits.out.toStdString(), testing::Not(HasSubstr("more")));
+}
+
+TEST(EveryReporter, masksAPasswordInTheServicesWords)
+{
+    Secrets::add(QStringLiteral("rare=\"Word\"&77"));
+    const QString words = QStringLiteral("Bad request: pass=rare=\"Word\"&77");
+    JsonReporter json;
+    PlainReporter plain;
+    LiveReporter live;
+    for (Reporter* const reporter :
+         {static_cast<Reporter*>(&json), static_cast<Reporter*>(&plain), static_cast<Reporter*>(&live)}) {
+        const CapturedOutput captured([&] {
+            reporter->error(words);
+            reporter->note(words);
+        });
+        const std::string shown = (captured.out + captured.err).toStdString();
+        EXPECT_THAT(shown, HasSubstr("Bad request: pass=***"));
+        EXPECT_THAT(shown, Not(HasSubstr("Word")));
+    }
+}
+
+TEST(EveryReporter, masksAPasswordInTheServicesNameOfAState)
+{
+    Secrets::add(QStringLiteral("rare=Status&77"));
+    const auto onServer = Job::job();
+    onServer->setStatus(JobStatusOnServer);
+    onServer->setServerStatus(QStringLiteral("pass=rare=Status&77"));
+    const ProgressRow row = ProgressRow::ofJob(*onServer);
+    EXPECT_EQ(row.serverStatus, QStringLiteral("pass=***"));
+    EXPECT_FALSE(row.statusText.contains(QStringLiteral("Status&77")));
 }

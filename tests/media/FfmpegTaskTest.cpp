@@ -11,6 +11,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <optional>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 #include <vector>
@@ -132,6 +133,17 @@ TEST_F(FfmpegTaskTest, GivesTheChildItsStandardDescriptorsWhereTheProgramHasNone
     }
     EXPECT_EQ(failures, (QStringList{QString(), QString()}));
     EXPECT_EQ(outputs, (QByteArrayList{"/dev/null\n/dev/null\n", "/dev/null\n/dev/null\n"}));
+}
+
+TEST_F(FfmpegTaskTest, KeepsTheFilesThatTheChildMakesFromOthersWhateverTheMask)
+{
+    m_ffmpeg.shell("echo sound > \"$folder/made\"");
+    const mode_t oldMask = ::umask(0);
+    EXPECT_EQ(piecesOf(m_task).join(), QByteArray());
+    ::umask(oldMask);
+    EXPECT_EQ(QFile::permissions(m_ffmpeg.file(QStringLiteral("made"))) &
+                  (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
+              QFile::Permissions());
 }
 
 TEST_F(FfmpegTaskTest, GivesTheChildAProcessGroupOfItsOwn)

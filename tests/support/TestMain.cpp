@@ -1,4 +1,5 @@
 #include "foundation/MainThread.h"
+#include "support/LeakSuppressions.h"
 
 #include <QCoreApplication>
 #include <gtest/gtest.h>

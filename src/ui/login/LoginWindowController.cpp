@@ -6,6 +6,7 @@
 #include "commands/LoginCommand.h"
 #include "foundation/Assertion.h"
 #include "foundation/Log.h"
+#include "foundation/Secrets.h"
 #include "ui/ApplicationController.h"
 
 #include <utility>
@@ -143,6 +144,7 @@ void LoginWindowController::performLogin()
 {
     if (m_waitingForResponse)
         return;
+    Secrets::add(m_password);
     post(LoginCommand::loginCommandWithUser(m_application.serviceHosts(), m_username, m_password), tr("Logging in…"));
 }
 
@@ -155,6 +157,7 @@ void LoginWindowController::changePassword()
         setLoginResultString(*refusal);
         return;
     }
+    Secrets::add(m_theNewPassword);
     post(ChangePasswordCommand::changePasswordCommandWithUser(m_application.serviceHosts(), m_username, m_password,
                                                               m_theNewPassword),
          tr("Changing the password…"));
