@@ -55,22 +55,37 @@ ContainedFolder::ContainedFolder(const QString& path)
     m_folder = FileDescriptor(open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-FileDescriptor ContainedFolder::openFolder(const QStringList& components, qsizetype count, bool make) const
+FileDescriptor ContainedFolder::openFolder(const QStringList& components, qsizetype count, bool make,
+                                           QList<QStringList>* made) const
 {
     FileDescriptor folder(fcntl(m_folder.get(), F_DUPFD_CLOEXEC, 0));
     for (qsizetype i = 0; i < count && folder.isOpen(); ++i) {
         const QByteArray name = QFile::encodeName(components.at(i));
-        if (make)
-            mkdirat(folder.get(), name.constData(), 0777);
+        if (make && mkdirat(folder.get(), name.constData(), 0777) == 0 && made != nullptr)
+            made->append(components.first(i + 1));
         folder =
             FileDescriptor(openat(folder.get(), name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     }
     return folder;
 }
 
-bool ContainedFolder::makeFolder(const QStringList& components) const
+bool ContainedFolder::makeFolder(const QStringList& components, QList<QStringList>* made) const
 {
-    return openFolder(components, components.size(), true).isOpen();
+    return openFolder(components, components.size(), true, made).isOpen();
+}
+
+void ContainedFolder::removeFolder(const QStringList& components) const
+{
+    remove(components, AT_REMOVEDIR);
+}
+
+void ContainedFolder::remove(const QStringList& components, int flags) const
+{
+    if (components.isEmpty())
+        return;
+    const FileDescriptor parent = openFolder(components, components.size() - 1, false);
+    if (parent.isOpen())
+        unlinkat(parent.get(), QFile::encodeName(components.last()).constData(), flags);
 }
 
 bool ContainedFolder::exists(const QStringList& components) const

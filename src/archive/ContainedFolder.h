@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -35,15 +36,21 @@ public:
     // Makes the folder, with the folders above it, where it does not exist.
     explicit ContainedFolder(const QString& path);
 
-    // Makes the folder that the components lead to, with those on the way; an existing one is fine.
-    bool makeFolder(const QStringList& components) const;
+    // Makes the folder that the components lead to, with those on the way, and adds those that were not there to
+    // `made`; an existing one is fine.
+    bool makeFolder(const QStringList& components, QList<QStringList>* made = nullptr) const;
     // Whether anything is there, be it a link that leads nowhere.
     [[nodiscard]] bool exists(const QStringList& components) const;
     // Opens a regular file for writing, new or emptied, in a folder that exists. Not open on any failure.
     [[nodiscard]] FileDescriptor openForWriting(const QStringList& components) const;
+    // Removes a file, and a folder that is empty. What is not there, and what cannot be removed, is left.
+    void removeFile(const QStringList& components) const { remove(components, 0); }
+    void removeFolder(const QStringList& components) const;
 
 private:
-    [[nodiscard]] FileDescriptor openFolder(const QStringList& components, qsizetype count, bool make) const;
+    [[nodiscard]] FileDescriptor openFolder(const QStringList& components, qsizetype count, bool make,
+                                            QList<QStringList>* made = nullptr) const;
+    void remove(const QStringList& components, int flags) const;
 
     FileDescriptor m_folder;
 };

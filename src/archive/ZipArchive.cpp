@@ -18,7 +18,9 @@ bool ZipArchive::UnzipOpenFile(const QString& path)
     m_numFiles = 0;
     m_unzFile.reset();
     // Opening a pipe would wait for its writer.
-    if (QFileInfo(path).isFile())
+    const QFileInfo file(path);
+    m_archiveSize = static_cast<std::uint64_t>(file.size());
+    if (file.isFile())
         m_unzFile.reset(unzOpen64(path.toUtf8().constData()));
     if (!m_unzFile)
         return false;
@@ -38,7 +40,15 @@ bool ZipArchive::UnzipOpenFilePassword(const QString& path, const QString& passw
 
 bool ZipArchive::UnzipFileTo(const QString& folder, bool overWrite)
 {
-    return ZipExtraction(*this, folder, overWrite).run();
+    m_refusal.clear();
+    m_numPassedOver = 0;
+    const std::optional<std::uint64_t> freeSpace = m_freeSpace ? m_freeSpace(folder) : std::nullopt;
+    if (const auto refusal = ZipLimits::refusal(m_unzFile.get(), m_archiveSize, freeSpace)) {
+        m_refusal = *refusal;
+        OutputErrorMessage(m_refusal);
+        return false;
+    }
+    return ZipExtraction(*this, folder, overWrite, ZipLimits::room(m_archiveSize, freeSpace)).run();
 }
 
 bool ZipArchive::UnzipCloseFile()

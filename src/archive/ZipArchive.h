@@ -2,6 +2,7 @@
 
 #include "archive/FileAttributes.h"
 #include "archive/ZipHandles.h"
+#include "archive/ZipLimits.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -46,7 +47,8 @@ public:
     [[nodiscard]] bool UnzipOpenFilePassword(const QString& path, const QString& password);
     // Extracts every entry below `folder`, which is made where it does not exist. False when an entry could not be read
     // to its end; the files before it, and what was read of it, stay. An entry whose file cannot be opened, also
-    // because it would lie outside, is passed over and is no failure.
+    // because it would lie outside, is passed over with a warning in the log and is no failure. Of two entries of one
+    // name the later stays. False also for an archive beyond ZipLimits: see refusal().
     [[nodiscard]] bool UnzipFileTo(const QString& folder, bool overWrite);
     // Forgets the password; true when nothing is open.
     bool UnzipCloseFile();
@@ -73,6 +75,12 @@ public:
     // The paths of the files written since the archive was opened, in the order of their entries.
     [[nodiscard]] QStringList unzippedFiles() const { return m_unzippedFiles; }
 
+    // Why the last extraction was refused, of which nothing is then left; empty when it was not.
+    [[nodiscard]] QString refusal() const { return m_refusal; }
+    // How many entries the last extraction passed over because their files could not be opened.
+    [[nodiscard]] std::uint64_t numPassedOver() const { return m_numPassedOver; }
+    void setFreeSpace(ZipLimits::FreeSpace freeSpace) { m_freeSpace = std::move(freeSpace); }
+
     // Empty for none. ASCII only.
     [[nodiscard]] QString password() const { return m_password; }
     void setPassword(const QString& password) { m_password = password; }
@@ -94,6 +102,10 @@ private:
     ZipHandle m_zipFile;
     UnzHandle m_unzFile;
     std::uint64_t m_numFiles = 0;
+    std::uint64_t m_archiveSize = 0;
+    std::uint64_t m_numPassedOver = 0;
+    QString m_refusal;
+    ZipLimits::FreeSpace m_freeSpace = &ZipLimits::freeSpaceOf;
     QString m_password;
     std::shared_ptr<ZipArchiveDelegate> m_delegate;
     ProgressBlock m_progressBlock;

@@ -17,6 +17,9 @@ namespace {
 // minizip knows the end of the list by the number of entries, but takes this number for "too many to say".
 constexpr std::uint64_t uncountedEntries = 0xffff;
 constexpr uLong encryptedFlag = 1;
+// An archive full of names that cannot be written must not fill the log.
+constexpr std::uint64_t mostWarnings = 20;
+constexpr qsizetype longestNameInLog = 200;
 
 bool writeAll(int descriptor, const char* data, std::size_t size)
 {
@@ -56,8 +59,8 @@ bool setModificationDate(int descriptor, const tm_unz& date)
 
 } // namespace
 
-ZipExtraction::ZipExtraction(ZipArchive& archive, QString folder, bool overWrite)
-    : m_archive(archive), m_folder(std::move(folder)), m_overWrite(overWrite)
+ZipExtraction::ZipExtraction(ZipArchive& archive, QString folder, bool overWrite, std::uint64_t room)
+    : m_archive(archive), m_folder(std::move(folder)), m_overWrite(overWrite), m_room(room)
 {}
 
 bool ZipExtraction::run()
@@ -87,6 +90,10 @@ ZipExtraction::Step ZipExtraction::extractEntry()
 
     FileDescriptor output;
     Transfer transferred = transfer(*entry, output);
+    if (transferred == Transfer::Refused) {
+        refuse();
+        return Step::End;
+    }
     if (output.isOpen() && !finishFile(*entry, output))
         transferred = Transfer::Failed;
     Step step = Step::GoOn;
@@ -171,7 +178,27 @@ void ZipExtraction::makeFolders(const Entry& entry)
     if (!entry.isFolder && !folders.isEmpty())
         folders.removeLast();
     // A folder that cannot be made shows when its files cannot be opened.
-    (void)m_contained->makeFolder(folders);
+    (void)m_contained->makeFolder(folders, &m_madeFolders);
+}
+
+void ZipExtraction::passOver(const Entry& entry)
+{
+    m_archive.OutputErrorMessage(QStringLiteral("Failed to open output file for writing"));
+    if (++m_archive.m_numPassedOver <= mostWarnings)
+        Log::warning("An entry of the zip file is passed over, because its file cannot be opened: {}",
+                     entry.path.right(longestNameInLog));
+}
+
+void ZipExtraction::refuse()
+{
+    for (const QStringList& file : m_writtenFiles)
+        m_contained->removeFile(file);
+    while (!m_madeFolders.isEmpty())
+        m_contained->removeFolder(m_madeFolders.takeLast());
+    m_archive.m_unzippedFiles.clear();
+    m_archive.m_refusal = QStringLiteral("The zip file unpacks to more than it says, and than there is room for");
+    m_archive.OutputErrorMessage(m_archive.m_refusal);
+    m_success = false;
 }
 
 FileDescriptor ZipExtraction::openOutput(const Entry& entry)
@@ -182,8 +209,10 @@ FileDescriptor ZipExtraction::openOutput(const Entry& entry)
             return output;
         output = m_contained->openForWriting(*entry.components);
     }
-    if (!output.isOpen())
-        m_archive.OutputErrorMessage(QStringLiteral("Failed to open output file for writing"));
+    if (output.isOpen())
+        m_writtenFiles += *entry.components;
+    else
+        passOver(entry);
     return output;
 }
 
@@ -203,6 +232,10 @@ ZipExtraction::Transfer ZipExtraction::transfer(const Entry& entry, FileDescript
         }
         if (read == 0)
             return Transfer::Done;
+        // Also what is not written, the data of a folder say, takes its time to read.
+        if (static_cast<std::uint64_t>(read) > m_room)
+            return Transfer::Refused;
+        m_room -= static_cast<std::uint64_t>(read);
         if (output.isOpen() && !writeAll(output.get(), m_buffer.data(), static_cast<std::size_t>(read))) {
             m_archive.OutputErrorMessage(QStringLiteral("Failed to write output file"));
             return Transfer::Failed;

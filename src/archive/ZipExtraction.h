@@ -19,9 +19,11 @@ class ZipArchive;
 class ZipExtraction
 {
 public:
-    ZipExtraction(ZipArchive& archive, QString folder, bool overWrite);
+    // `room` is how many bytes may be written.
+    ZipExtraction(ZipArchive& archive, QString folder, bool overWrite, std::uint64_t room);
 
-    // False when an entry could not be read, or written, to its end.
+    // False when an entry could not be read, or written, to its end. An archive that unpacks to more than there is
+    // room for is refused: what was written of it is removed.
     bool run();
 
 private:
@@ -33,7 +35,7 @@ private:
         // Nothing when the entry would lie outside of the folder.
         std::optional<QStringList> components;
     };
-    enum class Transfer { Done, Skipped, Failed };
+    enum class Transfer { Done, Skipped, Failed, Refused };
     enum class Step { GoOn, End };
 
     bool openEntry();
@@ -44,6 +46,8 @@ private:
     [[nodiscard]] FileDescriptor openOutput(const Entry& entry);
     [[nodiscard]] Transfer transfer(const Entry& entry, FileDescriptor& output);
     void makeFolders(const Entry& entry);
+    void passOver(const Entry& entry);
+    void refuse();
     // False when what was written could not be kept, which is reported.
     [[nodiscard]] bool finishFile(const Entry& entry, FileDescriptor& output);
     [[nodiscard]] Step extractEntry();
@@ -53,6 +57,10 @@ private:
     ZipArchive& m_archive;
     QString m_folder;
     bool m_overWrite;
+    std::uint64_t m_room;
+    // What a refusal has to remove, in the order in which it was made.
+    QList<QStringList> m_madeFolders;
+    QList<QStringList> m_writtenFiles;
     std::optional<ContainedFolder> m_contained;
     // The current entry where a password is needed to read it.
     std::unique_ptr<EncryptedEntry> m_encrypted;

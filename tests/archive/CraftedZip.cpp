@@ -2,6 +2,8 @@
 
 #include <zlib.h>
 
+#include <algorithm>
+
 namespace {
 
 void add16(QByteArray& bytes, std::uint32_t value)
@@ -34,7 +36,7 @@ QByteArray sharedFields(const CraftedEntry& entry)
         crc32(0, reinterpret_cast<const Bytef*>(entry.data.constData()), size32(entry.data)));
     add32(bytes, entry.wrongChecksum ? ~checksum : checksum);
     add32(bytes, size32(entry.data));
-    add32(bytes, size32(entry.data));
+    add32(bytes, entry.saysSize.value_or(size32(entry.data)));
     add16(bytes, size32(entry.name));
     add16(bytes, 0);
     return bytes;
@@ -46,18 +48,22 @@ QByteArray craftedZip(const QList<CraftedEntry>& entries)
 {
     QByteArray zip;
     QByteArray directory;
+    std::uint32_t start = 0;
     for (const CraftedEntry& entry : entries) {
+        if (!entry.overlaps)
+            start = size32(zip);
         directory += QByteArray("PK\x01\x02\x14\x03", 6) + sharedFields(entry);
         add16(directory, 0);
         add16(directory, 0);
         add16(directory, 0);
         add32(directory, entry.externalAttributes);
-        add32(directory, size32(zip));
+        add32(directory, start);
         directory += entry.name;
-        zip += "PK\x03\x04" + sharedFields(entry) + entry.name + entry.data;
+        if (!entry.overlaps)
+            zip += "PK\x03\x04" + sharedFields(entry) + entry.name + entry.data;
     }
     const std::uint32_t directoryStart = size32(zip);
-    const auto count = static_cast<std::uint32_t>(entries.size());
+    const auto count = static_cast<std::uint32_t>(std::min<qsizetype>(entries.size(), 0xffff));
     zip += directory + QByteArray("PK\x05\x06\0\0\0\0", 8);
     add16(zip, count);
     add16(zip, count);

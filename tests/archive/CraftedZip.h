@@ -1,15 +1,10 @@
 #pragma once
 
-#include "archive/ZipArchive.h"
-#include "support/TemporaryHome.h"
-
 #include <QByteArray>
 #include <QList>
-#include <QString>
-#include <QStringList>
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 
 // An entry as its bytes say, whether or not an archiver would write it so. The data is stored, not deflated.
 struct CraftedEntry
@@ -23,46 +18,11 @@ struct CraftedEntry
     std::uint32_t externalAttributes = 0;
     std::uint16_t method = 0;
     std::uint16_t flags = 0;
+    // What the headers say of its size when unpacked, where that is not true.
+    std::optional<std::uint32_t> saysSize = std::nullopt;
+    // The directory says that it lies where the entry before it does.
+    bool overlaps = false;
 };
 
+// Of more entries than the format can count, it says that they are as many as it can.
 [[nodiscard]] QByteArray craftedZip(const QList<CraftedEntry>& entries);
-
-// Keeps what it is told and answers what it is set to.
-class RecordingDelegate : public ZipArchiveDelegate
-{
-public:
-    void ErrorMessage(const QString& message) override { messages += message; }
-    [[nodiscard]] bool OverWriteOperation(const QString& path) override
-    {
-        asked += path;
-        return answer;
-    }
-
-    QStringList messages;
-    QStringList asked;
-    bool answer = true;
-};
-
-// A home with an archive object and its delegate, and a destination folder "out" that does not exist at first.
-class UnzipFixture : public TemporaryHome
-{
-protected:
-    UnzipFixture() { archive.setDelegate(delegate); }
-
-    // Writes the archive, opens it, extracts it into "out" and closes it.
-    bool unzip(const QByteArray& zip, bool overWrite = true)
-    {
-        if (!archive.UnzipOpenFile(writeFile(QStringLiteral("a.zip"), zip)))
-            return false;
-        const bool success = archive.UnzipFileTo(path(QStringLiteral("out")), overWrite);
-        EXPECT_TRUE(archive.UnzipCloseFile());
-        return success;
-    }
-    QByteArray unzipped(const char* name) const { return readFile(out(name)); }
-    QString out(const char* name) const { return path(QStringLiteral("out/") + QString::fromUtf8(name)); }
-
-    std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
-    ZipArchive archive;
-};
-
-inline const QString cannotOpenOutput = QStringLiteral("Failed to open output file for writing");

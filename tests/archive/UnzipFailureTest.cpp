@@ -1,4 +1,4 @@
-#include "CraftedZip.h"
+#include "UnzipFixture.h"
 
 #include "support/RecordedLog.h"
 

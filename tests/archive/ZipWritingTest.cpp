@@ -1,4 +1,4 @@
-#include "CraftedZip.h"
+#include "UnzipFixture.h"
 
 #include <QDateTime>
 #include <QDir>
