@@ -5,11 +5,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-void Assertion::failed(const char* text, std::source_location place)
+void Assertion::failed(const char* text, const char* file, unsigned line)
 {
-    Log::error("Assertion failed: {} ({}:{})", text, place.file_name(), place.line());
+    Log::error("Assertion failed: {} ({}:{})", text, file, line);
     if constexpr (stopsTheProgram) {
-        std::fprintf(stderr, "Assertion failed: %s (%s:%u)\n", text, place.file_name(), place.line());
+        std::fprintf(stderr, "Assertion failed: %s (%s:%u)\n", text, file, line);
         std::abort();
     }
 }
