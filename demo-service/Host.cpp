@@ -77,21 +77,23 @@ Request requestFrom(const httplib::Request& received, bool secure)
     return request;
 }
 
-bool readBody(const httplib::ContentReader& reader, bool multipart, Request& request)
+// `goesOn` is asked after each piece of the body.
+bool readBody(const httplib::ContentReader& reader, bool multipart, Request& request,
+              const std::function<bool()>& goesOn)
 {
     if (!multipart)
-        return reader([&request](const char* bytes, std::size_t size) {
+        return reader([&](const char* bytes, std::size_t size) {
             request.body.append(bytes, size);
-            return true;
+            return goesOn();
         });
     return reader(
         [&request](const httplib::MultipartFormData& part) {
             request.parts.push_back({part.name, part.filename, part.content_type, {}});
             return true;
         },
-        [&request](const char* bytes, std::size_t size) {
+        [&](const char* bytes, std::size_t size) {
             request.parts.back().content.append(bytes, size);
-            return true;
+            return goesOn();
         });
 }
 
@@ -105,8 +107,9 @@ std::size_t sizeOf(const std::vector<std::string>& pieces)
 
 } // namespace
 
-Host::Host(bool secure, const std::string& address, int port, Answerer answerer, Pause pause)
-    : m_answerer(std::move(answerer)), m_pause(std::move(pause)), m_secure(secure), m_server(makeServer(secure))
+Host::Host(bool secure, const std::string& address, int port, Answerer answerer, Judge judge, Pause pause)
+    : m_answerer(std::move(answerer)), m_judge(std::move(judge)), m_pause(std::move(pause)), m_secure(secure),
+      m_server(makeServer(secure))
 {
     configure(address, port);
     m_thread = std::thread([this] {
@@ -138,7 +141,8 @@ void Host::configure(const std::string& address, int port)
     m_server->Post(".*", [this](const httplib::Request& received, httplib::Response& response,
                                 const httplib::ContentReader& reader) {
         Request request = requestFrom(received, m_secure);
-        if (readBody(reader, received.is_multipart_form_data(), request))
+        const auto goesOn = [&] { return !isBrokenOff(request, received.remote_port); };
+        if (readBody(reader, received.is_multipart_form_data(), request, goesOn))
             send(m_answerer(std::move(request)), received, response);
     });
     m_server->Get(".*", [this](const httplib::Request& received, httplib::Response& response) {
@@ -150,6 +154,14 @@ void Host::configure(const std::string& address, int port)
         m_port = port;
     if (m_port <= 0)
         throw std::runtime_error(fmt::format("cannot listen on {}:{}", address, port));
+}
+
+bool Host::isBrokenOff(const Request& soFar, int peerPort) const
+{
+    if (!m_judge(soFar))
+        return false;
+    Sockets::reset(m_port, peerPort);
+    return true;
 }
 
 void Host::send(Sending sending, const httplib::Request& request, httplib::Response& response) const
@@ -164,24 +176,39 @@ void Host::send(Sending sending, const httplib::Request& request, httplib::Respo
     }
     std::erase_if(sending.pieces, [](const std::string& piece) { return piece.empty(); });
     const std::size_t size = sizeOf(sending.pieces);
-    if (!sending.cutAt && sending.pieces.size() <= 1) {
+    if (!sending.cutAt && !sending.resetAt && sending.pieces.size() <= 1) {
         response.set_content(size == 0 ? std::string() : std::move(sending.pieces.front()), sending.contentType);
         return;
     }
-    const std::size_t end = sending.cutAt.value_or(size);
+    const auto whenSent = [this, isReset = sending.resetAt.has_value(), peer = request.remote_port](bool) {
+        if (isReset)
+            Sockets::reset(m_port, peer);
+    };
+    if (size == 0 && !sending.cutAt) {
+        // The library has no other way to tell when an empty reply is sent.
+        const auto nothing = [](std::size_t, httplib::DataSink& sink) {
+            sink.done();
+            return true;
+        };
+        response.set_chunked_content_provider(sending.contentType, nothing, whenSent);
+        return;
+    }
+    const std::size_t end = sending.cutAt.value_or(std::min(size, sending.resetAt.value_or(size)));
     // A reply that is shorter than the cut is declared longer, so that the client still misses something.
     const std::size_t declared = sending.cutAt ? std::max(size, end + 1) : size;
     auto next = std::make_shared<std::size_t>(0);
-    response.set_content_provider(declared, sending.contentType,
-                                  [this, pieces = std::move(sending.pieces), pause = sending.pause, end,
-                                   next](std::size_t offset, std::size_t, httplib::DataSink& sink) {
-                                      if (*next == pieces.size() || offset >= end)
-                                          return false;
-                                      if (*next > 0 && !m_pause(pause))
-                                          return false;
-                                      const std::string& piece = pieces[(*next)++];
-                                      return sink.write(piece.data(), std::min(piece.size(), end - offset));
-                                  });
+    response.set_content_provider(
+        declared, sending.contentType,
+        [this, pieces = std::move(sending.pieces), pause = sending.pause, end, next](std::size_t offset, std::size_t,
+                                                                                     httplib::DataSink& sink) {
+            if (*next == pieces.size() || offset >= end)
+                return false;
+            if (*next > 0 && !m_pause(pause))
+                return false;
+            const std::string& piece = pieces[(*next)++];
+            return sink.write(piece.data(), std::min(piece.size(), end - offset));
+        },
+        whenSent);
 }
 
 void Host::stop()

@@ -28,6 +28,7 @@ struct Sending
     std::vector<std::string> pieces = {}; // together the reply; sent one by one
     std::chrono::milliseconds pause{0};
     std::optional<std::size_t> cutAt = std::nullopt;
+    std::optional<std::size_t> resetAt = std::nullopt; // as cutAt, with a reset; beyond the end, behind the reply
     bool reset = false;
 };
 
@@ -37,11 +38,13 @@ class Host
 {
 public:
     using Answerer = std::function<Sending(Request)>;
+    // Told of a request each time that more of its body was read; true resets its connection.
+    using Judge = std::function<bool(const Request& soFar)>;
     // Waits; false when the service stops meanwhile.
     using Pause = std::function<bool(std::chrono::milliseconds)>;
 
     // Listens at once. Throws std::runtime_error when the port cannot be had.
-    Host(bool secure, const std::string& address, int port, Answerer answerer, Pause pause);
+    Host(bool secure, const std::string& address, int port, Answerer answerer, Judge judge, Pause pause);
     ~Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -52,9 +55,11 @@ public:
 
 private:
     void configure(const std::string& address, int port);
+    [[nodiscard]] bool isBrokenOff(const Request& soFar, int peerPort) const;
     void send(Sending sending, const httplib::Request& request, httplib::Response& response) const;
 
     Answerer m_answerer;
+    Judge m_judge;
     Pause m_pause;
     bool m_secure;
     std::unique_ptr<httplib::Server> m_server;

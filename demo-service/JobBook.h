@@ -45,6 +45,7 @@ public:
     void setTurnaround(std::chrono::milliseconds turnaround, TimePoint now);
     bool askAgain(int depoNumber, Again again);
     bool voidJob(int depoNumber);
+    bool forget(int depoNumber) { return m_entries.erase(depoNumber) > 0; }
     bool holdWord(int depoNumber, const std::string& word);
     bool setDeliverables(int depoNumber, std::vector<std::pair<std::string, std::string>> files);
 

@@ -1,24 +1,61 @@
 #include "demo-service/Overrides.h"
 
-namespace DemoService {
+#include <algorithm>
 
-std::optional<Override> Overrides::take(const std::string& endpoint)
+namespace DemoService {
+namespace {
+
+bool isMeantFor(const Override& replacement, const Request& request)
 {
-    const auto found = m_waiting.find(endpoint);
+    const auto holds = [&](const std::string& text) { return text.find(replacement.where) != std::string::npos; };
+    return replacement.where.empty() || holds(request.body) ||
+           std::ranges::any_of(request.parts, [&](const Part& part) { return holds(part.fileName); });
+}
+
+bool isUsedUp(const Override& replacement)
+{
+    return replacement.times && *replacement.times <= 0;
+}
+
+std::size_t sizeOfBody(const Request& request)
+{
+    std::size_t size = request.body.size();
+    for (const Part& part : request.parts)
+        size += part.content.size();
+    return size;
+}
+
+} // namespace
+
+Override* Overrides::find(const Request& request)
+{
+    const auto found = m_waiting.find(request.endpoint);
     if (found == m_waiting.end())
+        return nullptr;
+    std::erase_if(found->second, isUsedUp);
+    const auto first =
+        std::ranges::find_if(found->second, [&](const Override& one) { return isMeantFor(one, request); });
+    return first == found->second.end() ? nullptr : &*first;
+}
+
+std::optional<Override> Overrides::take(const Request& request)
+{
+    Override* const found = find(request);
+    if (found == nullptr)
         return std::nullopt;
-    std::deque<Override>& waiting = found->second;
-    while (!waiting.empty()) {
-        Override& first = waiting.front();
-        if (!first.times)
-            return first;
-        if (*first.times > 0) {
-            --*first.times;
-            return first;
-        }
-        waiting.pop_front();
-    }
-    return std::nullopt;
+    if (found->times)
+        --*found->times;
+    return *found;
+}
+
+bool Overrides::breaksOff(const Request& soFar)
+{
+    Override* const found = find(soFar);
+    if (found == nullptr || !found->resetRequestAt || sizeOfBody(soFar) < *found->resetRequestAt)
+        return false;
+    if (found->times)
+        --*found->times;
+    return true;
 }
 
 } // namespace DemoService

@@ -19,9 +19,14 @@ public:
     }
     void clear() { m_waiting.clear(); }
     // What answers this request, counted against its `times`.
-    [[nodiscard]] std::optional<Override> take(const std::string& endpoint);
+    [[nodiscard]] std::optional<Override> take(const Request& request);
+    // Whether this request, of which more may be to come, ends here; counted too when it does.
+    [[nodiscard]] bool breaksOff(const Request& soFar);
 
 private:
+    // The first that is meant for the request and not used up; null when there is none.
+    [[nodiscard]] Override* find(const Request& request);
+
     std::map<std::string, std::deque<Override>> m_waiting;
 };
 

@@ -45,20 +45,28 @@ struct Request
 };
 
 // How an endpoint answers instead of, or on top of, what it would do. A request answered with `status`, `reply`,
-// `pieces`, `location` or `reset` changes nothing in the service; `delay`, `hang` and `cutAt` alone do their harm
-// around the answer that the service gives anyhow.
-// Fit for designated initialisers: {.status = 503, .times = 1}.
+// `pieces`, `location`, `reset` or `resetRequestAt` changes nothing in the service; `pieceSize`, `delay`, `hang`,
+// `cutAt` and `resetAt` alone do their harm around the answer that the service gives anyhow. Fit for designated
+// initialisers: {.status = 503, .times = 1}.
 struct Override
 {
+    // Only for requests with this text in their form, or in the name of the file that they send.
+    std::string where = {};
     std::optional<int> status = std::nullopt;        // with `reply` as its text
     std::optional<std::string> reply = std::nullopt; // raw bytes
     std::vector<std::string> pieces = {};            // the reply, sent piece by piece with `pause` between them
+    std::size_t pieceSize = 0;                       // the answer in pieces of so many bytes, with `pause` between them
     std::chrono::milliseconds pause{100};
     std::optional<std::string> location = std::nullopt; // a redirect (302, or `status`) to this place
     std::chrono::milliseconds delay{0};                 // before the answer
     bool hang = false;                                  // until releaseHangs(), clearOverrides() or stop()
     // Declare the whole reply, send so many bytes of it, close the connection.
     std::optional<std::size_t> cutAt = std::nullopt;
+    // Declare the whole reply, send so many bytes of it, reset the connection; a number beyond its end resets it behind
+    // the whole reply.
+    std::optional<std::size_t> resetAt = std::nullopt;
+    // The connection is reset once so many bytes of the request's body are read, or before the reply to a shorter one.
+    std::optional<std::size_t> resetRequestAt = std::nullopt;
     bool reset = false;                      // the connection is reset before a byte of the reply
     std::optional<int> times = std::nullopt; // how many requests it is good for; empty is for ever
 };

@@ -16,7 +16,15 @@ namespace {
 bool replacesAnswer(const Override& replacement)
 {
     return replacement.status || replacement.reply || !replacement.pieces.empty() || replacement.location ||
-           replacement.reset;
+           replacement.reset || replacement.resetRequestAt;
+}
+
+std::vector<std::string> inPieces(const std::string& text, std::size_t size)
+{
+    std::vector<std::string> pieces;
+    for (std::size_t at = 0; at < text.size(); at += size)
+        pieces.push_back(text.substr(at, size));
+    return pieces;
 }
 
 std::string contentTypeOf(const Request& request)
@@ -33,10 +41,13 @@ Sending sendingOf(const Answer& answer, const std::optional<Override>& replaceme
     if (replacement) {
         sending.location = replacement->location;
         sending.cutAt = replacement->cutAt;
-        sending.reset = replacement->reset;
+        sending.resetAt = replacement->resetAt;
+        sending.reset = replacement->reset || replacement->resetRequestAt;
         sending.pause = replacement->pause;
         if (!replacement->pieces.empty())
             sending.pieces = replacement->pieces;
+        else if (replacement->pieceSize > 0)
+            sending.pieces = inPieces(answer.text, replacement->pieceSize);
     }
     return sending;
 }
@@ -71,8 +82,8 @@ class Service::Implementation
 public:
     explicit Implementation(Options given)
         : m_options(std::move(given)), m_endpoints(m_options), m_bindAddress(m_options.bindAddress),
-          m_secure(true, m_bindAddress, m_options.securePort, answerer(), pause()),
-          m_files(false, m_bindAddress, m_options.filePort, answerer(), pause())
+          m_secure(true, m_bindAddress, m_options.securePort, answerer(), judge(), pause()),
+          m_files(false, m_bindAddress, m_options.filePort, answerer(), judge(), pause())
     {}
     ~Implementation() { stop(); }
     Implementation(const Implementation&) = delete;
@@ -95,9 +106,11 @@ public:
         std::unique_lock lock(m_mutex);
         const std::size_t number = m_firstRequest + m_requests.size();
         m_requests.push_back(request);
-        const std::optional<Override> replacement = m_overrides.take(request.endpoint);
-        if (replacement)
+        const std::optional<Override> replacement = m_overrides.take(request);
+        if (replacement) {
+            ++m_overriddenCount;
             holdBack(*replacement, lock);
+        }
         if (m_stopping) {
             Sending nothing;
             nothing.cutAt = 0;
@@ -154,6 +167,7 @@ public:
     JobBook& book() { return m_endpoints.book(); }
     Overrides& overrides() { return m_overrides; }
     [[nodiscard]] int hanging() const { return m_hanging; }
+    [[nodiscard]] int overriddenCount() const { return m_overriddenCount; }
     [[nodiscard]] const std::vector<Request>& recorded() const { return m_requests; }
     [[nodiscard]] std::string address() const { return m_bindAddress; }
     [[nodiscard]] int securePort() const { return m_secure.port(); }
@@ -162,7 +176,28 @@ public:
 private:
     Host::Answerer answerer()
     {
-        return [this](Request request) { return answer(std::move(request)); };
+        return [this](Request request) {
+            if (!m_watch)
+                return answer(std::move(request));
+            m_watch(Stage::Received, request);
+            Sending sending = answer(request);
+            m_watch(Stage::Answered, request);
+            return sending;
+        };
+    }
+
+    Host::Judge judge()
+    {
+        return [this](const Request& soFar) {
+            if (m_watch)
+                m_watch(Stage::Body, soFar);
+            const std::lock_guard lock(m_mutex);
+            if (!m_overrides.breaksOff(soFar))
+                return false;
+            ++m_overriddenCount;
+            m_requests.push_back(soFar);
+            return true;
+        };
     }
 
     Host::Pause pause()
@@ -191,9 +226,11 @@ private:
     std::vector<Request> m_requests;
     std::size_t m_firstRequest = 0; // how many requests were cleared before the first that is kept
     int m_hanging = 0;
+    int m_overriddenCount = 0;
     unsigned m_release = 0; // counts releaseHangs()
     bool m_stopping = false;
 
+    const std::function<void(Stage, const Request&)> m_watch = m_options.watch;
     std::condition_variable m_changed; // with m_mutex
     std::mutex m_stopMutex;            // one stop() at a time
     const std::string m_bindAddress;
@@ -270,6 +307,11 @@ void Service::clearOverrides()
 {
     m_implementation->locked([&] { m_implementation->overrides().clear(); });
     releaseHangs();
+}
+
+int Service::overriddenCount() const
+{
+    return m_implementation->locked([&] { return m_implementation->overriddenCount(); });
 }
 
 void Service::releaseHangs()
@@ -355,6 +397,11 @@ bool Service::askAgain(int depoNumber, Again again)
 bool Service::voidJob(int depoNumber)
 {
     return m_implementation->locked([&] { return m_implementation->book().voidJob(depoNumber); });
+}
+
+bool Service::forgetJob(int depoNumber)
+{
+    return m_implementation->locked([&] { return m_implementation->book().forget(depoNumber); });
 }
 
 bool Service::holdWord(int depoNumber, const std::string& word)

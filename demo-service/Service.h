@@ -21,6 +21,9 @@ struct Again
     Channels channels = Channels::Stereo;
 };
 
+// How far a request has come: some of its body is read, all of it is, and its answer is worked out but not sent.
+enum class Stage { Body, Received, Answered };
+
 struct Rate
 {
     double rate = 0;
@@ -62,6 +65,9 @@ struct Options
 
     // Received files are written here when it is not empty; the folder is made when missing.
     std::string saveUploads;
+    // Told how far each request has come, on the thread that answers it; it may call the service, and holds the request
+    // up for as long as it takes.
+    std::function<void(Stage, const Request&)> watch;
     // One line for each request, on the thread that answers it, one call at a time; never with a password in it. It
     // must not call the service.
     std::function<void(const std::string&)> log;
@@ -99,6 +105,8 @@ public:
     void addOverride(const std::string& endpoint, Override replacement);
     // Drops every override and lets go of what hangs.
     void clearOverrides();
+    // How many requests an override has met.
+    [[nodiscard]] int overriddenCount() const;
     // Requests that hang now go on to their answer.
     void releaseHangs();
     // How many requests hang at the moment.
@@ -124,6 +132,8 @@ public:
     // False when there is no such job (or segment), or it was delivered already.
     bool askAgain(int depoNumber, Again again);
     bool voidJob(int depoNumber);
+    // The job is as if it had never been; false when there is none.
+    bool forgetJob(int depoNumber);
     // Keeps a job's word at this text, whatever it is; an empty one lets it go on as it would.
     bool holdWord(int depoNumber, const std::string& word);
     // More, or other, result files of a job: they replace those made from the transcript once it is "Joined".

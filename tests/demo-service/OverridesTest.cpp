@@ -157,6 +157,78 @@ TEST_F(OverridesTest, sendInPieces)
     EXPECT_EQ(service.requests("autorun.inf").front().reply, "onetwothree");
 }
 
+TEST_F(OverridesTest, sendTheServicesOwnAnswerInPieces)
+{
+    service.addOverride("autorun.inf", {.pieceSize = 7, .pause = 1ms, .times = 1});
+    httplib::Client files("127.0.0.1", service.filePort());
+    const auto inPieces = files.Get("/DemoDisc/autorun.inf");
+    const auto atOnce = files.Get("/DemoDisc/autorun.inf");
+    ASSERT_TRUE(inPieces);
+    ASSERT_TRUE(atOnce);
+    EXPECT_GT(atOnce->body.size(), 7U);
+    EXPECT_EQ(inPieces->body, atOnce->body);
+}
+
+TEST_F(OverridesTest, meetOnlyRequestsWithAText)
+{
+    service.addOverride("get_rates.php", {.where = "prod=11", .reply = "eleven"});
+    service.addOverride("get_rates.php", {.where = "prod=24", .reply = "twenty-four", .times = 1});
+    EXPECT_EQ(client.post("get_rates.php", account + "&prod=24"), "twenty-four");
+    EXPECT_EQ(client.post("get_rates.php", account + "&prod=24"), "95.00");
+    EXPECT_EQ(client.post("get_rates.php", account + "&prod=11"), "eleven");
+    EXPECT_EQ(client.post("get_rates.php", account + "&prod=10"), "45.00");
+}
+
+TEST_F(OverridesTest, meetOnlyUploadsUnderAName)
+{
+    client.sendWholeJob(1);
+    service.addOverride("test_custupload2.php", {.where = ".mp3[", .reply = "no sound, please"});
+    EXPECT_EQ(client.upload("5120_883_1.mp3[clip1.mov,10000]", "sound"), "no sound, please");
+    EXPECT_EQ(client.upload("5120_883.txt[Smith.txt,-1]", "text"), "UPLOAD COMPLETE");
+}
+
+TEST_F(OverridesTest, resetInsideTheReply)
+{
+    service.addOverride("autorun.inf", {.resetAt = 5});
+    httplib::Client files("127.0.0.1", service.filePort());
+    std::string received;
+    const auto result = files.Get("/DemoDisc/autorun.inf", [&received](const char* bytes, std::size_t size) {
+        received.append(bytes, size);
+        return true;
+    });
+    EXPECT_FALSE(result);
+    EXPECT_EQ(received.size(), 5U);
+}
+
+TEST_F(OverridesTest, resetBehindTheReply)
+{
+    service.addOverride("jobdetails.php", {.resetAt = 1'000'000});
+    EXPECT_EQ(client.post("jobdetails.php", registration()), "5120 883");
+    EXPECT_EQ(service.jobs().size(), 1U);
+}
+
+TEST_F(OverridesTest, resetInsideTheRequest)
+{
+    client.sendWholeJob(1);
+    const std::string large(4'000'000, 'x');
+    service.addOverride("test_custupload2.php", {.resetRequestAt = 1'000'000, .times = 1});
+    EXPECT_EQ(client.upload("5120_883_1.mp3[clip1.mov,10000]", large), "(no reply)");
+    const auto requests = service.requests("test_custupload2.php");
+    EXPECT_EQ(requests.back().status, 0);
+    EXPECT_LT(requests.back().parts.back().content.size(), large.size());
+    EXPECT_NE(service.job(883)->segments.front().audio, large);
+    EXPECT_EQ(client.upload("5120_883_1.mp3[clip1.mov,10000]", large), "UPLOAD COMPLETE");
+    EXPECT_EQ(service.job(883)->segments.front().audio, large);
+}
+
+TEST_F(OverridesTest, resetBeforeTheReplyToARequestThatIsShort)
+{
+    service.addOverride("jobdetails.php", {.resetRequestAt = 1'000'000, .times = 1});
+    EXPECT_EQ(client.post("jobdetails.php", registration()), "(no reply)");
+    EXPECT_TRUE(service.jobs().empty());
+    EXPECT_EQ(client.post("jobdetails.php", registration()), "5120 883");
+}
+
 TEST_F(OverridesTest, hangUntilReleased)
 {
     service.addOverride(endpoint, {.hang = true});
