@@ -58,6 +58,13 @@ QString DeliveryPath::fileName(const QString& listedName)
     return cutToBytes(name.chopped(suffix.size()), longestComponent - suffix.toUtf8().size()) + suffix;
 }
 
+QString DeliveryPath::incomplete(const QString& path)
+{
+    const QString mark = QStringLiteral(".incomplete");
+    const qsizetype nameBegin = path.lastIndexOf(u'/') + 1;
+    return path.left(nameBegin) + cutToBytes(path.mid(nameBegin), longestComponent - mark.size()) + mark;
+}
+
 std::optional<QString> DeliveryPath::fileTypeSubFolder(const QString& fileName)
 {
     const QString extension = PathText::pathExtension(fileName).toLower();

@@ -12,6 +12,9 @@ namespace DeliveryPath {
 // takes, keeping the extension. "" when nothing usable is left.
 [[nodiscard]] QString fileName(const QString& listedName);
 
+// Where what came of a file that did not come whole is put aside, so that no delivered name stands on a part of a file.
+[[nodiscard]] QString incomplete(const QString& path);
+
 // By extension, without regard to letter case; the suffixes "_id.mdb" and "_rl.xml" count as written. Nothing for an
 // extension without a folder of its own: such a file lies in the job folder.
 [[nodiscard]] std::optional<QString> fileTypeSubFolder(const QString& fileName);

@@ -9,6 +9,7 @@
 #include "foundation/Log.h"
 #include "foundation/NumberReading.h"
 #include "foundation/PathText.h"
+#include "foundation/ShownText.h"
 #include "foundation/Text.h"
 
 #include <QFile>
@@ -18,7 +19,10 @@
 namespace {
 
 // A service that never ends its listing must not fill the memory.
-constexpr int mostResultFiles = 100'000;
+constexpr int mostResultFiles = 10'000;
+// Nor one that answers every number with the same words, which are then no names.
+constexpr int mostEqualNames = 20;
+constexpr qsizetype comparedEnding = 64; // of a long reply, which is cut at another place each time
 
 const QString downloadPath = QStringLiteral("/saltine/test_downloadjob2.php");
 
@@ -71,6 +75,14 @@ void DownloadJobFilesCommand::executeNested(const std::shared_ptr<CUrlCommand>& 
     m_nested.reset();
 }
 
+QStringList DownloadJobFilesCommand::problems() const
+{
+    QStringList shown; // Listed names are in them.
+    for (const QString& problem : m_problems)
+        shown << ShownText::of(problem);
+    return shown;
+}
+
 void DownloadJobFilesCommand::noteFailure(const CUrlCommand& command, const QString& words)
 {
     if (command.result() == 0)
@@ -97,7 +109,12 @@ std::shared_ptr<CUrlCommand> DownloadJobFilesCommand::downloadRequest(const QStr
 
 void DownloadJobFilesCommand::execute()
 {
-    const QStringList names = listResultFiles();
+    const std::optional<QStringList> listed = listResultFiles();
+    if (!listed)
+        return;
+    const QStringList& names = *listed;
+    if (names.isEmpty() && m_problems.isEmpty())
+        m_problems << QStringLiteral("the service lists no files");
     const int numberOfFiles = static_cast<int>(names.size());
     reportProgress(0, numberOfFiles);
 
@@ -113,6 +130,7 @@ void DownloadJobFilesCommand::execute()
         reportProgress(i, numberOfFiles);
     }
     downloadDemoDiscFiles(jobFolderPath);
+    // What the service is told to be delivered it need not keep.
     // A delivery cut short by the end of the program is not a delivery.
     if (isCancelled())
         setResult(CURLE_ABORTED_BY_CALLBACK);
@@ -120,10 +138,11 @@ void DownloadJobFilesCommand::execute()
         markDelivered(numberOfFiles);
 }
 
-QStringList DownloadJobFilesCommand::listResultFiles()
+std::optional<QStringList> DownloadJobFilesCommand::listResultFiles()
 {
     QStringList names;
-    while (names.size() < mostResultFiles && !isCancelled()) {
+    int equalNames = 1;
+    while (!isCancelled()) {
         const auto request = downloadRequest(Text::format("file_num={}&just_get_name=1", names.size()));
         executeNested(request);
         noteFailure(*request, Text::format("the list of files broke off after {}", names.size()));
@@ -131,7 +150,15 @@ QStringList DownloadJobFilesCommand::listResultFiles()
         Log::system("{}", name);
         if (name.isEmpty())
             break;
+        const bool isSame = !names.isEmpty() && names.constLast().right(comparedEnding) == name.right(comparedEnding);
+        equalNames = isSame ? equalNames + 1 : 1;
         names << name;
+        if (equalNames < mostEqualNames && names.size() < mostResultFiles)
+            continue;
+        Log::error("Job {}, the list of files has no end: {} times the same, {} in all", depoNum(), equalNames,
+                   names.size());
+        setResult(CURLE_WEIRD_SERVER_REPLY);
+        return std::nullopt;
     }
     return names;
 }
@@ -194,13 +221,32 @@ void DownloadJobFilesCommand::downloadResultFile(int number, const QString& list
                                                                            number, destination);
     executeNested(download);
     Log::info("Done downloading file: {}", destination);
-    if (!download->isFileMade())
+    if (!download->isFileMade()) {
         m_problems << Text::format("{} could not be made", destination);
-    else
-        noteFailure(*download, Text::format("{} was not received whole", destination));
+        return;
+    }
+    if (noteBrokenFile(*download, download->downloadedFile(), destination))
+        return;
+    if (download->downloadedFile().receivedSize() == 0)
+        m_problems << Text::format("{} came empty", destination);
 
     if (subFolder == QStringLiteral("Korvane") && PathText::pathExtension(destination) == u"zip")
         unzip(destination);
+}
+
+bool DownloadJobFilesCommand::noteBrokenFile(const CUrlCommand& command, const DownloadedFile& file,
+                                             const QString& destination)
+{
+    const QString aside = DeliveryPath::incomplete(destination);
+    QFile::remove(aside); // Of an earlier delivery.
+    if (command.result() == 0 && file.trouble().isEmpty())
+        return false;
+    noteFailure(command, Text::format("{} was not received whole", destination));
+    if (!file.trouble().isEmpty())
+        m_problems << Text::format("{} could not be written whole: {}", destination, file.trouble());
+    if (!QFile::rename(destination, aside) && QFile::exists(destination))
+        m_problems << Text::format("{} could not be renamed and is not whole", destination);
+    return true;
 }
 
 void DownloadJobFilesCommand::unzip(const QString& archivePath)
@@ -226,9 +272,12 @@ void DownloadJobFilesCommand::downloadDemoDiscFiles(const QString& jobFolderPath
         const QString url = m_hosts.fileUrl(file.path);
         const QString folder = PathText::appendingPathComponent(jobFolderPath, file.subFolder);
         Log::info("Start downloading file: {}", url);
-        executeNested(RegularDownloadFileCommand::RegularDownloadFileCommandWithURL(
-            url, PathText::appendingPathComponent(folder, PathText::lastPathComponent(file.path))));
+        const QString destination = PathText::appendingPathComponent(folder, PathText::lastPathComponent(file.path));
+        const auto download = RegularDownloadFileCommand::RegularDownloadFileCommandWithURL(url, destination);
+        executeNested(download);
         Log::info("Done downloading file: {}", url);
+        if (download->isFileMade())
+            noteBrokenFile(*download, download->downloadedFile(), destination);
     }
 }
 

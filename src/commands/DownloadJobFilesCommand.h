@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/CUrlCommand.h"
+#include "commands/DownloadedFile.h"
 #include "model/Job.h"
 #include "settings/ServiceHosts.h"
 
@@ -13,8 +14,9 @@
 // demo-disc files, and tells the service that the job is delivered. The requests inside are never posted themselves.
 //
 // Progress reaches the observer on the worker thread: files done and files in all. A file that cannot be fetched,
-// written or unpacked is logged and the delivery goes on, which problems() tells afterwards; only when the job's folder
-// cannot be learnt does it stop, with that request's result.
+// written or unpacked is logged and the delivery goes on, which problems() tells afterwards; what came of a file that
+// is not whole lies beside its place, under a name that says so. Only when the job's folder cannot be learnt does the
+// delivery stop, with that request's result, or when the list of files has no end.
 class DownloadJobFilesCommand : public CUrlCommand
 {
 public:
@@ -33,7 +35,7 @@ public:
     void cancel() override;
 
     // What was not delivered as it should be, in words. To be asked for when the command has ended.
-    [[nodiscard]] QStringList problems() const { return m_problems; }
+    [[nodiscard]] QStringList problems() const;
 
     // The job's folder below the delivery folder, "" for the delivery folder itself; nothing when the service did not
     // answer, with result() set. Asks the service, blocking.
@@ -42,7 +44,10 @@ public:
     [[nodiscard]] static std::optional<QString> fileTypeSubFolder(const QString& fileName);
 
 private:
-    [[nodiscard]] QStringList listResultFiles();
+    // Nothing when the list has no end, with result() set.
+    [[nodiscard]] std::optional<QStringList> listResultFiles();
+    // What the command received is not, or not whole, at `destination`; false when all is well.
+    bool noteBrokenFile(const CUrlCommand& command, const DownloadedFile& file, const QString& destination);
     void downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath);
     void unzip(const QString& archivePath);
     void downloadDemoDiscFiles(const QString& jobFolderPath);

@@ -2,6 +2,8 @@
 
 #include "foundation/Log.h"
 
+#include <QFileInfo>
+
 #include <new>
 
 namespace {
@@ -35,8 +37,13 @@ void DownloadedFile::writeOut()
 {
     if (!m_outputFile.isOpen())
         return;
+    m_receivedSize = m_downloadedData.size();
     m_outputFile.seek(m_outputFile.size());
-    if (m_outputFile.write(m_downloadedData) != m_downloadedData.size())
-        Log::error("Unable to write file: {}, error = {}", m_outputFile.fileName(), m_outputFile.errorString());
+    if (m_outputFile.write(m_downloadedData) != m_receivedSize)
+        m_trouble = m_outputFile.errorString();
+    else if (QFileInfo(m_outputFile.fileName()).size() < m_receivedSize)
+        m_trouble = QStringLiteral("its folder was taken away meanwhile"); // The handle outlives folder and volume.
+    if (!m_trouble.isEmpty())
+        Log::error("Unable to write file: {}, error = {}", m_outputFile.fileName(), m_trouble);
     m_downloadedData.clear();
 }

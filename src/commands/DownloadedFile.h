@@ -18,8 +18,13 @@ public:
     std::size_t append(const char* bytes, std::size_t size, std::size_t number);
     // Everything received, in one go; also after a transfer that failed.
     void writeOut();
+    // What kept the file from holding all that was received, in words; empty when nothing did. After writeOut().
+    [[nodiscard]] const QString& trouble() const { return m_trouble; }
+    [[nodiscard]] qsizetype receivedSize() const { return m_receivedSize; }
 
 private:
     QFile m_outputFile;
     QByteArray m_downloadedData;
+    qsizetype m_receivedSize = 0;
+    QString m_trouble;
 };

@@ -18,7 +18,8 @@ RegularDownloadFileCommand::RegularDownloadFileCommand(const QString& url, const
 {
     setPointer(PointerHolder::pointerHolderWithPtr(&regularDownloadFunction), CURLOPT_WRITEFUNCTION);
     setPointer(PointerHolder::pointerHolderWithPtr(static_cast<void*>(this)), CURLOPT_WRITEDATA);
-    if (!m_downloadedFile.create(destinationPath))
+    m_isFileMade = m_downloadedFile.create(destinationPath);
+    if (!m_isFileMade)
         Log::error("RegularDownloadFileCommand, unable to create file at path: {}", destinationPath);
 }
 

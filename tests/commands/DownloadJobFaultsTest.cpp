@@ -88,25 +88,27 @@ TEST_F(DownloadJobFaultsTest, AServiceThatIsGoneEndsTheDeliveryInAFailure)
     EXPECT_TRUE(deliveredFiles().isEmpty());
 }
 
-TEST_F(DownloadJobFaultsTest, AFileThatIsCutKeepsWhatCameAndTheDeliveryGoesOn)
+TEST_F(DownloadJobFaultsTest, WhatCameOfAFileThatIsCutLiesBesideItsNameAndTheDeliveryGoesOn)
 {
     answerNoJobFolder();
     passDownloadRequests(3);
     service.addOverride(downloadEndpoint, {.cutAt = 4, .times = 1});
     deliver({{"a.txt", "0123456789"}, {"b.txt", "whole"}});
-    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/a.txt"_s)), "0123");
+    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/a.txt.incomplete"_s)), "0123");
+    EXPECT_FALSE(isDelivered(u"Universal_ASCII/a.txt"_s));
     EXPECT_EQ(readFile(delivered(u"Universal_ASCII/b.txt"_s)), "whole");
     EXPECT_TRUE(isMarked());
     EXPECT_EQ(observer.ends().at(0).kind, Kind::Done); // The failure of one file is not the delivery's.
 }
 
-TEST_F(DownloadJobFaultsTest, AFileThatTheServiceRefusesIsLeftEmptyAndTheDeliveryGoesOn)
+TEST_F(DownloadJobFaultsTest, AFileThatTheServiceRefusesIsNotUnderItsNameAndTheDeliveryGoesOn)
 {
     answerNoJobFolder();
     passDownloadRequests(3);
     service.addOverride(downloadEndpoint, {.status = 500, .reply = "words", .times = 1});
     deliver({{"a.txt", "0123456789"}, {"b.txt", "whole"}});
-    EXPECT_EQ(readFile(delivered(u"Universal_ASCII/a.txt"_s)), "");
+    EXPECT_FALSE(isDelivered(u"Universal_ASCII/a.txt"_s));
+    EXPECT_TRUE(isDelivered(u"Universal_ASCII/a.txt.incomplete"_s));
     EXPECT_EQ(readFile(delivered(u"Universal_ASCII/b.txt"_s)), "whole");
     EXPECT_TRUE(isMarked());
 }
@@ -117,8 +119,8 @@ TEST_F(DownloadJobFaultsTest, DemoDiscFilesThatFailAreNoFailure)
     service.addOverride("autorun.inf", {.status = 404});
     service.addOverride("OstrovizerDownloader.exe", {.reset = true});
     deliver({{"a.set", "set"}});
-    EXPECT_EQ(readFile(delivered(u"Ostrova/autorun.inf"_s)), "");
-    EXPECT_EQ(readFile(delivered(u"Ostrova/OstrovizerDownloader.exe"_s)), "");
+    EXPECT_EQ(deliveredFiles(), (QStringList{u"Ostrova/OstrovizerDownloader.exe.incomplete"_s, u"Ostrova/a.set"_s,
+                                             u"Ostrova/autorun.inf.incomplete"_s}));
     EXPECT_EQ(observer.ends().at(0).kind, Kind::Done);
     EXPECT_TRUE(isMarked());
 }
@@ -272,7 +274,7 @@ TEST_F(DownloadJobFaultsTest, CancellingEndsADeliveryThatHangsAndMarksNothing)
     EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
     EXPECT_EQ(command->result(), CURLE_ABORTED_BY_CALLBACK);
     EXPECT_EQ(service.count(downloadEndpoint), 4); // Nothing was asked after the request that hung.
-    EXPECT_EQ(deliveredFiles(), QStringList{u"Universal_ASCII/a.txt"_s}); // Nor was the next file begun.
+    EXPECT_EQ(deliveredFiles(), QStringList{u"Universal_ASCII/a.txt.incomplete"_s}); // Nor was the next file begun.
     EXPECT_EQ(service.count("Korvane_ReadMe.txt"), 0);
     EXPECT_FALSE(isMarked());
 }
@@ -317,6 +319,106 @@ TEST_F(DownloadJobFaultsTest, AListThatBreaksOffIsToldAfterwards)
     deliver({{"a.txt", "text"}, {"b.txt", "text"}});
     ASSERT_EQ(problems.size(), 1);
     EXPECT_TRUE(problems.at(0).startsWith(u"the list of files broke off after 1: "_s)) << qPrintable(problems[0]);
+}
+
+class DeliveryProblemsTest : public DownloadJobFaultsTest
+{
+protected:
+    QStringList problemsOf(const Files& files)
+    {
+        QStringList problems;
+        observer.whenEnded = [&](CUrlCommand& command) {
+            problems = dynamic_cast<DownloadJobFilesCommand&>(command).problems();
+            lastResult = command.result();
+        };
+        deliver(files);
+        return problems;
+    }
+};
+
+TEST_F(DeliveryProblemsTest, WhatIsLeftOfAnEarlierAttemptGoesWhenTheFileComesWhole)
+{
+    answerNoJobFolder();
+    writeFile(u"around/delivery/Universal_ASCII/a.txt.incomplete"_s, "te");
+    EXPECT_EQ(problemsOf({{"a.txt", "text"}}), QStringList());
+    EXPECT_EQ(deliveredFiles(), QStringList{u"Universal_ASCII/a.txt"_s});
+}
+
+TEST_F(DeliveryProblemsTest, AnIncompleteFileOfTheLongestNameHasRoomForItsMark)
+{
+    answerNoJobFolder();
+    passDownloadRequests(2);
+    service.addOverride(downloadEndpoint, {.cutAt = 2, .times = 1});
+    const QStringList problems = problemsOf({{std::string(251, 'e') + ".txt", "text"}});
+    EXPECT_EQ(problems.size(), 1);
+    EXPECT_EQ(deliveredFiles(), QStringList{u"Universal_ASCII/"_s + QString(244, u'e') + u".incomplete"_s});
+}
+
+TEST_F(DeliveryProblemsTest, AnEmptyFileIsTold)
+{
+    answerNoJobFolder();
+    const QStringList problems = problemsOf({{"a.txt", ""}});
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems[0].endsWith(u"a.txt came empty"_s)) << qPrintable(problems[0]);
+    EXPECT_TRUE(isDelivered(u"Universal_ASCII/a.txt"_s));
+}
+
+TEST_F(DeliveryProblemsTest, AListWithoutFilesIsTold)
+{
+    answerNoJobFolder();
+    EXPECT_EQ(problemsOf({}), QStringList{u"the service lists no files"_s});
+}
+
+TEST_F(DeliveryProblemsTest, NamesAreToldWithoutTheirControlCharacters)
+{
+    answerNoJobFolder();
+    const QStringList problems = problemsOf({{"a\x1b[2J.txt", ""}});
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems[0].endsWith(u"a\ufffd[2J.txt came empty"_s)) << qPrintable(problems[0]);
+}
+
+// As a service does that answers every request with the same error.
+TEST_F(DeliveryProblemsTest, AListOfTheSameWordsWithoutEndFailsTheDelivery)
+{
+    service.addOverride(downloadEndpoint, {.reply = "Invalid user name or password"});
+    deliverOneFileAndKeepResult();
+    ASSERT_EQ(observer.ends().size(), 1U);
+    EXPECT_EQ(observer.ends().at(0).kind, Kind::Failed);
+    EXPECT_EQ(lastResult, CURLE_WEIRD_SERVER_REPLY);
+    EXPECT_EQ(service.count(downloadEndpoint), 20);
+    EXPECT_EQ(service.count(factsEndpoint), 0);
+    EXPECT_TRUE(deliveredFiles().isEmpty());
+    EXPECT_FALSE(isMarked());
+}
+
+TEST_F(DeliveryProblemsTest, ANameMayBeListedAFewTimes)
+{
+    answerNoJobFolder();
+    EXPECT_EQ(problemsOf(Files(19, {"a.txt", "text"})), QStringList());
+    EXPECT_EQ(lastResult, 0);
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(DeliveryProblemsTest, AFolderTakenAwayDuringTheDownloadIsTold)
+{
+    answerNoJobFolder();
+    passDownloadRequests(2);
+    service.addOverride(downloadEndpoint, {.hang = true, .times = 1});
+    QStringList problems;
+    observer.whenEnded = [&](CUrlCommand& command) {
+        problems = dynamic_cast<DownloadJobFilesCommand&>(command).problems();
+    };
+    ASSERT_TRUE(service.setDeliverables(depo, {{"a.txt", "text"}}));
+    const auto command = makeCommand();
+    command->setObserver(&observer);
+    processor.postCommand(command);
+    ASSERT_TRUE(Waiting::until([&] { return service.hanging() == 1; }));
+    ASSERT_TRUE(QDir(delivered(QString())).removeRecursively());
+    service.releaseHangs();
+    ASSERT_TRUE(Waiting::until([&] { return observer.ends().size() == 1; }));
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems[0].endsWith(u"a.txt could not be written whole: its folder was taken away meanwhile"_s))
+        << qPrintable(problems[0]);
 }
 
 TEST_F(DownloadJobFaultsTest, AWholeDeliveryHasNoProblems)

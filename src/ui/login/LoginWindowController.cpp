@@ -7,6 +7,7 @@
 #include "foundation/Assertion.h"
 #include "foundation/Log.h"
 #include "foundation/Secrets.h"
+#include "foundation/ShownText.h"
 #include "ui/ApplicationController.h"
 
 #include <utility>
@@ -193,7 +194,8 @@ namespace {
 // The service's own words are the message. A refusal without words would leave the user before an empty line.
 QString reasonOf(const QString& reply)
 {
-    return reply.trimmed().isEmpty() ? LoginWindowController::tr("The service gave no reason.") : reply;
+    return reply.trimmed().isEmpty() ? LoginWindowController::tr("The service gave no reason.")
+                                     : ShownText::of(reply);
 }
 
 } // namespace
