@@ -2,9 +2,9 @@
 
 #include "foundation/PathText.h"
 
+#include <QCryptographicHash>
 #include <QStringList>
 
-#include <algorithm>
 #include <array>
 
 namespace {
@@ -12,15 +12,31 @@ namespace {
 // In bytes of UTF-8, as Linux file systems count.
 constexpr qsizetype longestComponent = 255;
 
-QString cutToBytes(QString text, qsizetype bytes)
+// The folder's own path and a name below it have to find room beside it.
+constexpr qsizetype longestJobFolder = 1024;
+constexpr qsizetype longestExtension = 16;
+
+// At most so many bytes, no character cut in two.
+QString cutToBytes(const QString& text, qsizetype bytes)
 {
-    while (text.toUtf8().size() > bytes) {
-        const qsizetype excess = text.toUtf8().size() - bytes;
-        text.chop(std::max<qsizetype>(1, excess / 4));
-        if (text.endsWith(QChar(QChar::ReplacementCharacter)) || (!text.isEmpty() && text.back().isHighSurrogate()))
-            text.chop(1);
-    }
-    return text;
+    const QByteArray utf8 = text.toUtf8();
+    if (utf8.size() <= bytes)
+        return text;
+    const auto isContinued = [&](qsizetype at) { return (static_cast<unsigned char>(utf8.at(at)) & 0xc0U) == 0x80U; };
+    while (bytes > 0 && isContinued(bytes))
+        --bytes;
+    return QString::fromUtf8(utf8.first(bytes));
+}
+
+// What is too long for a file system is cut, with a mark of the whole before its ending: names that differ where they
+// are cut stay apart.
+QString fitting(const QString& name, const QString& ending = {})
+{
+    if (name.toUtf8().size() <= longestComponent)
+        return name;
+    const QByteArray hash = QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha256);
+    const QString mark = u'~' + QString::fromLatin1(hash.first(4).toHex()) + ending;
+    return cutToBytes(name.chopped(ending.size()), longestComponent - mark.toUtf8().size()) + mark;
 }
 
 struct Row
@@ -49,13 +65,10 @@ QString DeliveryPath::fileName(const QString& listedName)
     const QString name = PathText::lastPathComponent(PathText::standardizedPath(path));
     if (name == u"." || name == u".." || name == u"/")
         return {};
-    if (name.toUtf8().size() <= longestComponent)
-        return name;
     const QString extension = PathText::pathExtension(name);
-    if (extension.isEmpty() || extension.toUtf8().size() > 16)
-        return cutToBytes(name, longestComponent);
-    const QString suffix = u'.' + extension;
-    return cutToBytes(name.chopped(suffix.size()), longestComponent - suffix.toUtf8().size()) + suffix;
+    if (extension.isEmpty() || extension.toUtf8().size() > longestExtension)
+        return fitting(name);
+    return fitting(name, u'.' + extension);
 }
 
 QString DeliveryPath::incomplete(const QString& path)
@@ -87,6 +100,7 @@ QString DeliveryPath::jobFolder(const QString& serviceName)
     if (name.startsWith(u'/') || components.contains(QStringLiteral("..")))
         components = {name.replace(u'/', u'_')};
     for (QString& component : components)
-        component = component == u".." ? QStringLiteral("__") : cutToBytes(component, longestComponent);
-    return components.join(u'/');
+        component = component == u".." ? QStringLiteral("__") : fitting(component);
+    const QString folder = components.join(u'/');
+    return folder.toUtf8().size() <= longestJobFolder ? folder : fitting(name.replace(u'/', u'_'));
 }

@@ -9,7 +9,7 @@
 namespace DeliveryPath {
 
 // The name of a listed file, which may be a path with backslashes; its last component. Cut to what a file system
-// takes, keeping the extension. "" when nothing usable is left.
+// takes, keeping the extension, and marked so that two long names stay two. "" when nothing usable is left.
 [[nodiscard]] QString fileName(const QString& listedName);
 
 // Where what came of a file that did not come whole is put aside, so that no delivered name stands on a part of a file.
@@ -20,7 +20,7 @@ namespace DeliveryPath {
 [[nodiscard]] std::optional<QString> fileTypeSubFolder(const QString& fileName);
 
 // The job folder as the service names it. A name that would lead out of the delivery folder is made one component of
-// it instead. "" is the delivery folder itself.
+// it instead, as is a path of more than 1024 bytes. "" is the delivery folder itself.
 [[nodiscard]] QString jobFolder(const QString& serviceName);
 
 } // namespace DeliveryPath

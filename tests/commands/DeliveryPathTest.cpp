@@ -58,17 +58,58 @@ TEST(DeliveryPathTest, AListedNameCannotLeadAway)
 TEST(DeliveryPathTest, ALongNameIsCutToWhatAFileSystemTakesAndKeepsItsExtension)
 {
     const QString name = DeliveryPath::fileName(QString(5000, u'a') + u".xml"_s);
-    EXPECT_EQ(name, QString(251, u'a') + u".xml"_s);
+    EXPECT_EQ(name.size(), 255);
+    EXPECT_TRUE(name.startsWith(QString(242, u'a') + u'~'));
+    EXPECT_TRUE(name.endsWith(u".xml"_s));
     EXPECT_EQ(DeliveryPath::fileName(QString(255, u'a')), QString(255, u'a'));
-    EXPECT_EQ(DeliveryPath::fileName(QString(256, u'a')), QString(255, u'a'));
+    EXPECT_TRUE(DeliveryPath::fileName(QString(256, u'a')).startsWith(QString(246, u'a') + u'~'));
+    EXPECT_EQ(DeliveryPath::fileName(QString(256, u'a')).size(), 255);
 
     const QString wide = DeliveryPath::fileName(u"😀"_s.repeated(1000) + u".txt"_s);
     EXPECT_LE(wide.toUtf8().size(), 255);
     EXPECT_GT(wide.toUtf8().size(), 240);
-    EXPECT_TRUE(wide.endsWith(u"😀.txt"_s)) << "no character is cut in two";
+    EXPECT_TRUE(wide.startsWith(u"😀"_s.repeated(60) + u'~')) << "no character is cut in two";
 
     // An extension that is itself too long is not one.
     EXPECT_EQ(DeliveryPath::fileName(u"a."_s + QString(5000, u'b')).toUtf8().size(), 255);
+}
+
+TEST(DeliveryPathTest, LongNamesThatDifferWhereTheyAreCutStayTwoFiles)
+{
+    const QString same(5000, u'a');
+    const QString one = DeliveryPath::fileName(same + u"1.xml"_s);
+    EXPECT_NE(one, DeliveryPath::fileName(same + u"2.xml"_s));
+    EXPECT_EQ(one, DeliveryPath::fileName(same + u"1.xml"_s)) << "a second delivery replaces the first";
+    EXPECT_EQ(DeliveryPath::fileName(one), one);
+    EXPECT_NE(DeliveryPath::jobFolder(same + u"1"_s), DeliveryPath::jobFolder(same + u"2"_s));
+}
+
+TEST(DeliveryPathTest, NamesThatDifferInLetterCaseAloneStayTwoFiles)
+{
+    EXPECT_EQ(DeliveryPath::fileName(u"Smith.TXT"_s), u"Smith.TXT"_s);
+    EXPECT_EQ(DeliveryPath::fileName(u"smith.txt"_s), u"smith.txt"_s);
+    EXPECT_NE(DeliveryPath::fileName(QString(300, u'a')), DeliveryPath::fileName(QString(300, u'A')));
+    EXPECT_NE(DeliveryPath::jobFolder(u"Smith"_s), DeliveryPath::jobFolder(u"SMITH"_s));
+}
+
+TEST(DeliveryPathTest, NamesThatOtherSystemsKeepForDevicesAreOrdinaryNames)
+{
+    for (const QString& name : {u"CON"_s, u"nul.txt"_s, u"AUX."_s, u"COM1 "_s, u"a.txt:stream"_s, u"C:"_s, u"[1m"_s}) {
+        EXPECT_EQ(DeliveryPath::fileName(name), name);
+        EXPECT_EQ(DeliveryPath::jobFolder(name), name);
+    }
+    EXPECT_EQ(DeliveryPath::fileName(u"/dev/null"_s), u"null"_s);
+    EXPECT_EQ(DeliveryPath::jobFolder(u"/dev/null"_s), u"_dev_null"_s);
+}
+
+TEST(DeliveryPathTest, AJobFolderOfTooManyFoldersIsMadeOneComponent)
+{
+    const QString most = u"d/"_s.repeated(511) + u"ab"_s;
+    EXPECT_EQ(DeliveryPath::jobFolder(most), most);
+    const QString name = DeliveryPath::jobFolder(most + u"c"_s);
+    EXPECT_TRUE(name.startsWith(u"d_d_d_"_s));
+    EXPECT_FALSE(name.contains(u'/'));
+    EXPECT_EQ(name.toUtf8().size(), 255);
 }
 
 TEST(DeliveryPathTest, AJobFolderStaysAsTheServiceNamesIt)
@@ -86,5 +127,5 @@ TEST(DeliveryPathTest, AJobFolderThatWouldLeadAwayIsMadeOneComponent)
     EXPECT_EQ(DeliveryPath::jobFolder(u"a/../../b"_s), u"a_.._.._b"_s);
     EXPECT_EQ(DeliveryPath::jobFolder(QString::fromLatin1(".\0./x", 5)), u".._x"_s);
     EXPECT_EQ(DeliveryPath::jobFolder(QString(5000, u'a')).size(), 255);
-    EXPECT_EQ(DeliveryPath::jobFolder(u"ok/"_s + u"é"_s.repeated(5000)).toUtf8().size(), 3 + 254);
+    EXPECT_EQ(DeliveryPath::jobFolder(u"ok/"_s + u"é"_s.repeated(5000)).toUtf8().size(), 3 + 255);
 }
