@@ -11,12 +11,13 @@
 
 std::optional<Error> AtomicFile::write(const QString& path, const QByteArray& contents)
 {
-    // QSaveFile flushes the new file to disk before it renames it.
+    // QSaveFile flushes the new file to disk before it renames it, but also renames one whose buffer it could not
+    // write: on a full disk that would put an empty file in the place of the old one.
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
     const bool written = file.open(QIODevice::WriteOnly) &&
                          file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
-                         file.write(contents) == contents.size() && file.commit();
+                         file.write(contents) == contents.size() && file.flush() && file.commit();
     if (!written)
         return Error{ErrorDomain::Platform, static_cast<int>(file.error()),
                      Text::format("{}: {}", path, file.errorString())};

@@ -7,6 +7,8 @@
 #include "foundation/Text.h"
 #include "foundation/TextScanner.h"
 
+#include <QFile>
+
 #include <cmath>
 #include <cstdint>
 #include <optional>
@@ -92,6 +94,21 @@ void AudioExtractor::extractInfo()
     runTask({QStringLiteral("-i"), sourcePath()});
 }
 
+namespace {
+
+// What ffmpeg says of a sound file that it could not write whole. It may all the same end as if nothing were wrong.
+bool tellsOfBrokenOutput(const QString& line)
+{
+    for (const QStringView words : {u"No space left on device", u"Disk quota exceeded", u"File too large",
+                                    u"Error writing trailer", u"Error closing file", u"av_interleaved_write_frame()"}) {
+        if (line.contains(words))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
 void AudioExtractor::convertToMp3(const QString& path)
 {
     if (!Assertion::check(!m_infoExtractionInProgress, "Trying to start mp3 conversion while extraction in progress") ||
@@ -103,6 +120,9 @@ void AudioExtractor::convertToMp3(const QString& path)
              QStringLiteral("11025"), QStringLiteral("-ac"), QString::number(m_numberOfChannels),
              QStringLiteral("-acodec"), QStringLiteral("libmp3lame"), QStringLiteral("-y"),
              PathText::standardizedPath(path)});
+    // Half a recording must not be taken for one, nor uploaded.
+    if (m_isOutputBroken && QFile::remove(path))
+        Log::error("{} could not be written whole and is removed", path);
 }
 
 QString AudioExtractor::sourcePath() const
@@ -130,6 +150,7 @@ void AudioExtractor::outputListener(QByteArrayView piece)
         if (m_task.isTerminated())
             return;
         Log::info("{}", line);
+        m_isOutputBroken = m_isOutputBroken || (m_mp3ConversionInProgress && tellsOfBrokenOutput(line));
         processFFMPEGOutputString(line);
         processFFMPEGOutputStringForErrors(line);
     }

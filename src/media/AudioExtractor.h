@@ -61,6 +61,7 @@ private:
     FfmpegLines m_lines;
     std::atomic<bool> m_infoExtractionInProgress = false;
     std::atomic<bool> m_mp3ConversionInProgress = false;
+    bool m_isOutputBroken = false; // of the thread that extracts
     AudioExtractorErrorObserver* m_observer = nullptr;
     int m_numberOfChannels = 1;
 };
