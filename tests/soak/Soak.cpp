@@ -213,9 +213,14 @@ QString Soak::stuckJobs() const
 {
     for (const JobPointer& job : m_model->jobs()) {
         const auto since = m_underWay.constFind(job.get());
-        if (since != m_underWay.constEnd() && since->hasExpired(patienceWithAJob.count()))
-            return Text::format("Job {} ({}) goes no further at status {}.", NumberReading::valueOrZero(job->depoNum()),
-                                job->deponentLastName(), job->status());
+        if (since == m_underWay.constEnd() || !since->hasExpired(patienceWithAJob.count()))
+            continue;
+        QStringList files;
+        for (const auto& file : job->mediaFiles())
+            files << QString::number(file->status());
+        return Text::format("Job {} ({}) goes no further at status {}, its files at {}.",
+                            NumberReading::valueOrZero(job->depoNum()), job->deponentLastName(), job->status(),
+                            files.join(u' '));
     }
     return {};
 }
