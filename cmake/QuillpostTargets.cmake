@@ -10,8 +10,11 @@ endif()
 if(QUILLPOST_SANITIZE)
   target_compile_options(quillpost_options INTERFACE
     -fsanitize=${QUILLPOST_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
-    -Wno-null-dereference -Wno-maybe-uninitialized) # The compiler knows less of instrumented code.
+    -Wno-null-dereference $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>) # The compiler knows less of instrumented code.
   target_link_options(quillpost_options INTERFACE -fsanitize=${QUILLPOST_SANITIZE})
+endif()
+if(QUILLPOST_FUZZ)
+  target_compile_options(quillpost_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 target_compile_definitions(quillpost_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING)
