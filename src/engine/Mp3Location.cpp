@@ -4,23 +4,33 @@
 #include "foundation/PathText.h"
 #include "foundation/Text.h"
 
+#include <QSet>
+
 namespace {
 
-// Longer names than a file system takes are cut; what tells two files apart is then their place in the list.
+const QString ending = QStringLiteral(".mp3");
+// What a file system takes, in bytes.
 constexpr qsizetype longestName = 255;
 
-bool isEarlierNameTheSame(const Job& job, const MediaFile& mediaFile, qsizetype& position)
+QString cut(QString name, qsizetype longest)
 {
-    const QString name = PathText::lastPathComponent(mediaFile.sourceFilePath());
-    bool isSame = false;
-    position = 0;
-    for (const auto& other : job.mediaFiles()) {
-        ++position;
-        if (other.get() == &mediaFile)
-            return isSame;
-        isSame = isSame || PathText::lastPathComponent(other->sourceFilePath()).compare(name, Qt::CaseInsensitive) == 0;
+    while (name.toUtf8().size() > longest)
+        name.chop(name.size() > 1 && name.back().isLowSurrogate() ? 2 : 1);
+    return name;
+}
+
+// The name of a file at that place of the list, without its ending, that is none of those taken. Its place tells it
+// apart from others, again and again where another is named so.
+QString freeName(const QString& fileName, qsizetype place, const QSet<QString>& taken)
+{
+    const qsizetype longest = longestName - ending.size();
+    QString suffix = fileName.toUtf8().size() > longest ? Text::format(".{}", place) : QString();
+    for (;;) {
+        const QString name = cut(fileName, longest - suffix.size()) + suffix;
+        if (!taken.contains(name.toCaseFolded()))
+            return name;
+        suffix += Text::format(".{}", place);
     }
-    return isSame;
 }
 
 } // namespace
@@ -33,13 +43,14 @@ QString Mp3Location::folderOfJob(const QString& tempFilesFolder, const Job& job)
 
 QString Mp3Location::ofMediaFile(const QString& tempFilesFolder, const Job& job, const MediaFile& mediaFile)
 {
-    qsizetype position = 0;
-    const bool isNameTaken = isEarlierNameTheSame(job, mediaFile, position);
-    QString name = PathText::lastPathComponent(mediaFile.sourceFilePath());
-    const bool isTooLong = name.toUtf8().size() + 4 > longestName;
-    while (isTooLong && name.toUtf8().size() > longestName - 16)
-        name.chop(1);
-    if (isNameTaken || isTooLong)
-        name += Text::format(".{}", position);
-    return PathText::appendingPathComponent(folderOfJob(tempFilesFolder, job), name + QStringLiteral(".mp3"));
+    QSet<QString> taken; // by the files before it
+    qsizetype place = 0;
+    for (const auto& other : job.mediaFiles()) {
+        ++place;
+        if (other.get() == &mediaFile)
+            break;
+        taken.insert(freeName(PathText::lastPathComponent(other->sourceFilePath()), place, taken).toCaseFolded());
+    }
+    const QString name = freeName(PathText::lastPathComponent(mediaFile.sourceFilePath()), place, taken);
+    return PathText::appendingPathComponent(folderOfJob(tempFilesFolder, job), name + ending);
 }

@@ -131,6 +131,26 @@ TEST_F(FileNamesTest, RecordingsOfOneNameFromTwoCamerasDoNotOverwriteEachOther)
     EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *third), u"/t/883/00001.mts.4.mp3"_s);
 }
 
+TEST_F(FileNamesTest, ARecordingNamedAsAnotherWithItsPlaceIsNotConvertedOverIt)
+{
+    const auto first = addFile(u"/card1/clip"_s);
+    const auto second = addFile(u"/card2/clip"_s);
+    const auto third = addFile(u"/card3/clip.2"_s);
+    EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *first), u"/t/883/clip.mp3"_s);
+    EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *second), u"/t/883/clip.2.mp3"_s);
+    EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *third), u"/t/883/clip.2.3.mp3"_s);
+}
+
+TEST_F(FileNamesTest, ARecordingNamedAheadAsALaterOneWithItsPlaceKeepsItsName)
+{
+    const auto first = addFile(u"/a/clip.3"_s);
+    const auto second = addFile(u"/b/clip"_s);
+    const auto third = addFile(u"/c/CLIP"_s);
+    EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *first), u"/t/883/clip.3.mp3"_s);
+    EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *third), u"/t/883/CLIP.3.3.mp3"_s);
+    EXPECT_EQ(Mp3Location::ofMediaFile(u"/t"_s, *job, *second), u"/t/883/clip.mp3"_s);
+}
+
 TEST_F(FileNamesTest, ANameTooLongForTheFileSystemIsCutAndKeptApartByItsPlace)
 {
     const QString longest = QString(251, u'a');
