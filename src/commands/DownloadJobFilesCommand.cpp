@@ -1,6 +1,7 @@
 #include "commands/DownloadJobFilesCommand.h"
 
 #include "archive/ZipArchive.h"
+#include "commands/DeliveryFlush.h"
 #include "commands/DeliveryPath.h"
 #include "commands/DownloadFileCommand.h"
 #include "commands/MiscStuffCommand.h"
@@ -125,12 +126,17 @@ void DownloadJobFilesCommand::execute()
         return;
     const QString jobFolderPath = PathText::appendingPathComponent(m_folderPath, DeliveryPath::jobFolder(*jobFolder));
 
+    const auto begin = std::chrono::system_clock::now();
     for (int i = 0; i < numberOfFiles && !isCancelled(); ++i) {
         downloadResultFile(i, names.at(i), jobFolderPath);
         reportProgress(i, numberOfFiles);
     }
     downloadDemoDiscFiles(jobFolderPath);
     // What the service is told to be delivered it need not keep.
+    if (!isCancelled() && numberOfFiles > 0 && !DeliveryFlush::flush(jobFolderPath, begin))
+        Log::warning("Job {}, not all files in {} could be flushed to disk", depoNum(), jobFolderPath);
+    if (!isCancelled() && m_beforeTelling)
+        m_beforeTelling();
     // A delivery cut short by the end of the program is not a delivery.
     if (isCancelled())
         setResult(CURLE_ABORTED_BY_CALLBACK);

@@ -25,6 +25,7 @@
 class AddJobSegmentsCommand;
 class CUrlCommand;
 class CUrlCommandProcessor;
+class DownloadJobFilesCommand;
 class StateKeeper;
 class UploadCommand;
 
@@ -240,6 +241,7 @@ private:
     void presentError(const QString& description);
     void presentErrorAndStop(const JobPointer& job, const QString& description);
     void presentUploadError(const JobPointer& job, const MediaObject* uploadedObject, const QString& response);
+    void keepDelivery(const JobPointer& job, const DownloadJobFilesCommand& command); // on the command's thread
     void finishUpload(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
                       const QString& response);
 

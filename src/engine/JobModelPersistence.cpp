@@ -1,5 +1,6 @@
 // Keeping the unfinished local jobs between runs.
 
+#include "commands/SetMediaFormatCommand.h"
 #include "engine/InterruptedWork.h"
 #include "engine/JobModel.h"
 #include "engine/SavedState.h"
@@ -71,8 +72,11 @@ void JobModel::continueInterruptedWork(const JobPointer& job)
         job->setStatus(*work.jobStatus);
     for (const MediaFilePointer& mediaFile : work.toConvert)
         startConversion(job, mediaFile);
-    for (const MediaFilePointer& mediaFile : work.toUpload)
+    for (const MediaFilePointer& mediaFile : work.toUpload) {
+        // Whether the service was told of its streams, which nothing waits for, is not saved.
+        post(SetMediaFormatCommand::setMediaFormatCommandWithUser(m_hosts, username(), password(), job, mediaFile));
         uploadMediaFile(mediaFile, job);
+    }
     if (work.transcriptToUpload)
         uploadTranscript(job);
 }

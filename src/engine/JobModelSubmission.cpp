@@ -55,6 +55,9 @@ void JobModel::processJobSubmitJobDetailsResponse(const JobPointer& job, const Q
     if (orderNum != 0 && number != 0) {
         for (const MediaFilePointer& mediaFile : job->mediaFiles())
             mediaFile->setStatus(JobStatusDetailsSubmitted);
+        // At once: a run that ends before the number is saved has the job submitted twice.
+        if (m_stateKeeper)
+            m_stateKeeper->whenSaved([] {});
     } else {
         presentErrorAndStop(job, submissionError(*job, response));
     }
