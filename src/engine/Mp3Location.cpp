@@ -12,6 +12,12 @@ const QString ending = QStringLiteral(".mp3");
 // What a file system takes, in bytes.
 constexpr qsizetype longestName = 255;
 
+// The root of the file system is no file, and its name would lead elsewhere.
+QString nameOf(const MediaFile& file)
+{
+    return PathText::lastPathComponent(file.sourceFilePath()).remove(u'/');
+}
+
 QString cut(QString name, qsizetype longest)
 {
     while (name.toUtf8().size() > longest)
@@ -49,8 +55,8 @@ QString Mp3Location::ofMediaFile(const QString& tempFilesFolder, const Job& job,
         ++place;
         if (other.get() == &mediaFile)
             break;
-        taken.insert(freeName(PathText::lastPathComponent(other->sourceFilePath()), place, taken).toCaseFolded());
+        taken.insert(freeName(nameOf(*other), place, taken).toCaseFolded());
     }
-    const QString name = freeName(PathText::lastPathComponent(mediaFile.sourceFilePath()), place, taken);
+    const QString name = freeName(nameOf(mediaFile), place, taken);
     return PathText::appendingPathComponent(folderOfJob(tempFilesFolder, job), name + ending);
 }

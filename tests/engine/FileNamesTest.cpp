@@ -113,6 +113,7 @@ TEST_F(FileNamesTest, TheMp3LiesInTheJobsFolderUnderTheSourcesWholeName)
     for (const auto& [source, mp3] : std::vector<std::pair<QString, QString>>{
              {u"/m/clip.mov"_s, u"/tmp/q/883/clip.mov.mp3"_s},
              {u"/m/sound.mp3"_s, u"/tmp/q/883/sound.mp3.mp3"_s},
+             {u"/"_s, u"/tmp/q/883/.mp3"_s},
              {u"/m/no point"_s, u"/tmp/q/883/no point.mp3"_s},
              {u"/m/-dash \u00e9 [1] %s.wav"_s, u"/tmp/q/883/-dash \u00e9 [1] %s.wav.mp3"_s}})
         EXPECT_EQ(Mp3Location::ofMediaFile(u"/tmp/q"_s, *job, *addFile(source)), mp3);

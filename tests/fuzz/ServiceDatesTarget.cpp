@@ -19,6 +19,7 @@ FUZZ_TARGET(ServiceDates)
     require(sixDigits.match(DateText::format(*date, QStringLiteral("MMddyy"))).hasMatch(),
             "a date in a folder's name is six digits");
     const auto again = DateText::readLeniently(DateText::format(*date, QStringLiteral("yyyy-MM-dd")));
-    require(!again || again->date() == date->date() || date->date().year() < 1000 || date->date().year() > 9999,
+    // Before, the calendars of Qt and of ICU differ.
+    require(!again || again->date() == date->date() || date->date().year() < 1583 || date->date().year() > 9999,
             "a date is read as it was written");
 }
