@@ -266,9 +266,14 @@ void DownloadJobFilesCommand::unzip(const QString& archivePath)
     if (unzipped) {
         Log::info("Unzipped sucessfully");
         QFile::remove(archivePath);
+        if (archive.numPassedOver() > 0)
+            m_problems << Text::format("{} entries of {} have names that cannot be written", archive.numPassedOver(),
+                                       archivePath);
     } else {
         Log::error("Unzip error");
-        m_problems << Text::format("{} could not be unpacked", archivePath);
+        m_problems << (archive.refusal().isEmpty()
+                           ? Text::format("{} could not be unpacked", archivePath)
+                           : Text::format("{} could not be unpacked: {}", archivePath, archive.refusal()));
     }
 }
 

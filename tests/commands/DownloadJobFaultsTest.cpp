@@ -431,3 +431,25 @@ TEST_F(DownloadJobFaultsTest, AWholeDeliveryHasNoProblems)
     deliver({{"a.txt", "text"}});
     EXPECT_EQ(problems, QStringList());
 }
+
+TEST_F(DeliveryProblemsTest, WhyAZipIsNotUnpackedIsTold)
+{
+    answerNoJobFolder();
+    std::string zip = DemoService::zipped({{"a.bin", "data"}});
+    zip.replace(zip.find("PK\x01\x02") + 24, 4, "\xff\xff\xff\x7f");
+    const QStringList problems = problemsOf({{"Smith.zip", zip}});
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(
+        problems.at(0).contains(u"Smith.zip could not be unpacked: The zip file unpacks to 2147483648 bytes, "_s))
+        << qPrintable(problems[0]);
+    EXPECT_EQ(readFile(delivered(u"Korvane/Smith.zip"_s)).toStdString(), zip);
+}
+
+TEST_F(DeliveryProblemsTest, EntriesOfAZipThatArePassedOverAreTold)
+{
+    answerNoJobFolder();
+    const QStringList problems =
+        problemsOf({{"Smith.zip", DemoService::zipped({{"../evil.txt", "evil"}, {"good.txt", "good"}})}});
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems.at(0).startsWith(u"1 entries of "_s)) << qPrintable(problems[0]);
+}
