@@ -14,6 +14,7 @@
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
+#include "foundation/ShownText.h"
 #include "foundation/Text.h"
 
 #include <future>
@@ -115,8 +116,8 @@ void JobModel::processJobDownloadJobResponse(const JobPointer& job, const QStrin
     if (response.isEmpty())
         job->setStatus(JobStatusCompleted);
     else
-        presentErrorAndStop(
-            job, Text::format("Possible error with job({}) downloading, response({})", depoNum(*job), response));
+        presentErrorAndStop(job, Text::format("Possible error with job({}) downloading, response({})", depoNum(*job),
+                                              ShownText::of(response)));
 }
 
 void JobModel::reprocessJob(const JobPointer& job)

@@ -11,6 +11,7 @@
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
+#include "foundation/ShownText.h"
 #include "foundation/Text.h"
 
 #include <QFileInfo>
@@ -26,7 +27,7 @@ int depoNum(const Job& job)
 
 QString submissionError(const Job& job, const QString& response)
 {
-    return Text::format("Possible error with job({}) submission, response({})", depoNum(job), response);
+    return Text::format("Possible error with job({}) submission, response({})", depoNum(job), ShownText::of(response));
 }
 
 } // namespace
@@ -202,5 +203,5 @@ void JobModel::presentUploadError(const JobPointer& job, const MediaObject* uplo
     const auto* const mediaFile = dynamic_cast<const MediaFile*>(uploadedObject);
     presentErrorAndStop(job, Text::format("Possible file( {} ) uploading error for job({}), server resonse( {} )",
                                           mediaFile ? mediaFile->mp3FilePath() : job->transcriptFile(), depoNum(*job),
-                                          response));
+                                          ShownText::of(response)));
 }
