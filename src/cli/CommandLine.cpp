@@ -29,6 +29,7 @@ struct Arguments
     std::string format = "all";
     std::string level;
     std::vector<std::string> inspectFiles;
+    std::vector<std::string> retryJobs;
 };
 
 std::string knownNames(const QStringList& names)
@@ -150,7 +151,7 @@ constexpr const char* footer =
     "The service's address comes from the options, then from QUILLPOST_SECURE_HOST and QUILLPOST_FILE_HOST, then\n"
     "from SecureHost and FileHost in the settings file.\n\n"
     "Exit codes: 0 done; 1 wrong use; 2 login refused; 3 a service error was presented; 130 interrupted, and\n"
-    "\"resume\" goes on from there.";
+    "\"resume\" goes on from there. After 3, \"retry\" tries again.";
 
 } // namespace
 
@@ -167,6 +168,9 @@ std::variant<CommandLine, ExitCode> CommandLine::read(int argc, const char* cons
     const CLI::App* const login = app.add_subcommand("login", "Check the account and print its contact ID");
     const CLI::App* const submit = addSubmit(app, line, arguments);
     const CLI::App* const resume = app.add_subcommand("resume", "Work until all saved jobs are completed");
+    CLI::App* const retry = app.add_subcommand("retry", "Try again the saved jobs that stopped");
+    retry->add_option("jobs", arguments.retryJobs, "Job numbers or transcript names (all saved jobs)")
+        ->type_name("JOB");
     const CLI::App* const jobs = app.add_subcommand("jobs", "List the service's jobs and the saved ones");
     const CLI::App* const change = app.add_subcommand("change-password", "Replace the account's password");
     CLI::App* const inspect = app.add_subcommand("inspect", "Print what is found in transcripts and recordings");
@@ -191,6 +195,8 @@ std::variant<CommandLine, ExitCode> CommandLine::read(int argc, const char* cons
         line.command = Command::Submit;
     else if (resume->parsed())
         line.command = Command::Resume;
+    else if (retry->parsed())
+        line.command = Command::Retry;
     else if (jobs->parsed())
         line.command = Command::Jobs;
     else if (change->parsed())
@@ -199,5 +205,6 @@ std::variant<CommandLine, ExitCode> CommandLine::read(int argc, const char* cons
         line.command = Command::Inspect;
     takeSubmitOptions(*submit, arguments, line.submit);
     line.inspectFiles = texts(arguments.inspectFiles);
+    line.retryJobs = texts(arguments.retryJobs);
     return line;
 }

@@ -26,7 +26,7 @@ struct SubmitOptions
 
 struct CommandLine
 {
-    enum class Command { Login, Submit, Resume, Jobs, ChangePassword, Inspect };
+    enum class Command { Login, Submit, Resume, Retry, Jobs, ChangePassword, Inspect };
 
     std::optional<QString> secureHost;
     std::optional<QString> fileHost;
@@ -42,6 +42,7 @@ struct CommandLine
     Command command = Command::Login;
     SubmitOptions submit;
     QStringList inspectFiles;
+    QStringList retryJobs; // job numbers and transcript names; all saved jobs when empty
 
     // The command line, or the code to exit with at once: after --help and --version, and after a wrong use, whose
     // words are then on standard error.

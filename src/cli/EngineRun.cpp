@@ -36,8 +36,8 @@ void EngineRun::startEngine()
     application().setIsSaving(true);
     connect(&model, &JobModel::jobMayBeHeldTwice, this, [this](const std::shared_ptr<Job>& job) {
         application().reporter().note(Text::format(
-            "{} was being submitted when the program ended, and is submitted again. The service may now hold "
-            "it twice: look for two depositions of this transcript in `quillpost-cli jobs`.",
+            "The submission of {} was never confirmed; it is submitted again. The service may now hold it twice: look "
+            "for two depositions of this transcript in `quillpost-cli jobs`.",
             job->name()));
     });
     model.loadState(application().tempFolder());
@@ -84,7 +84,7 @@ void EngineRun::stopBlockedJobs()
         const bool isWaiting = std::any_of(files.begin(), files.end(),
                                            [](const auto& file) { return file->status() == JobStatusSegmentAdded; });
         if (isWaiting)
-            jobStopped(job, QStringLiteral("every upload place is held by an upload that failed; run resume"));
+            jobStopped(job, QStringLiteral("every upload place is held by an upload that failed"));
     }
 }
 
@@ -131,6 +131,9 @@ void EngineRun::conclude()
 void EngineRun::allEnded()
 {
     m_follower->showNow();
+    const JobModel& model = application().jobModel();
+    if (std::any_of(m_stopped.begin(), m_stopped.end(), [&](const auto& job) { return model.canRetryJob(job); }))
+        application().reporter().note(QStringLiteral("Nothing is lost: `quillpost-cli retry` tries again."));
     if (hasStoppedJobs())
         application().endAfterLogUpload(ExitCode::ServiceError);
     else

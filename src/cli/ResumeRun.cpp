@@ -15,10 +15,20 @@ void ResumeRun::noteLevel(const Job& job)
 
 void ResumeRun::start()
 {
-    if (!application().prepareForService() || !application().prepareFolders() || !application().takeSavedJobs()) {
-        application().end(ExitCode::Usage);
-        return;
-    }
+    if (prepare())
+        loginAndWork();
+}
+
+bool ResumeRun::prepare()
+{
+    if (application().prepareForService() && application().prepareFolders() && application().takeSavedJobs())
+        return true;
+    application().end(ExitCode::Usage);
+    return false;
+}
+
+void ResumeRun::loginAndWork()
+{
     application().login([this](const QString&) {
         startEngine();
         if (application().jobModel().jobs().empty())
@@ -29,7 +39,7 @@ void ResumeRun::start()
 
 void ResumeRun::jobWasAdded(const std::shared_ptr<Job>& job)
 {
-    if (job->serverJob())
+    if (job->serverJob() || !isWanted(*job))
         return;
     waitFor(job);
     noteLevel(*job);

@@ -10,6 +10,13 @@ public:
     using EngineRun::EngineRun;
     void start() override;
 
+protected:
+    // What has to hold before anything is sent. Where it does not, the run has ended.
+    [[nodiscard]] bool prepare();
+    void loginAndWork();
+    // Whether the run waits for this saved job.
+    [[nodiscard]] virtual bool isWanted(const Job& /*job*/) const { return true; }
+
 private:
     void jobWasAdded(const std::shared_ptr<Job>& job) override;
     void noteLevel(const Job& job);

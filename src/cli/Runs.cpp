@@ -5,6 +5,7 @@
 #include "cli/JobsRun.h"
 #include "cli/LoginRun.h"
 #include "cli/ResumeRun.h"
+#include "cli/RetryRun.h"
 #include "cli/SubmitRun.h"
 
 std::unique_ptr<Run> Run::make(CliApplication& application, const CommandLine& line)
@@ -16,6 +17,8 @@ std::unique_ptr<Run> Run::make(CliApplication& application, const CommandLine& l
         return std::make_unique<SubmitRun>(application, line);
     case CommandLine::Command::Resume:
         return std::make_unique<ResumeRun>(application, line);
+    case CommandLine::Command::Retry:
+        return std::make_unique<RetryRun>(application, line);
     case CommandLine::Command::Jobs:
         return std::make_unique<JobsRun>(application, line);
     case CommandLine::Command::ChangePassword:

@@ -22,16 +22,24 @@ void addFilesInTheMiddle(const Job::MediaFiles& files, InterruptedWork& work)
     // wait for their conversion are converted one by one.
     const bool isConverting = !isEveryFileBelow(files, JobStatusConverted);
     for (const auto& file : files) {
-        const int status = file->status();
-        const bool isMp3Lost = status == JobStatusSegmentAdded && !QFileInfo(file->mp3FilePath()).isReadable();
-        if (status == JobStatusConverted || isMp3Lost || (isConverting && status == JobStatusInfoExtracted))
+        const InterruptedWork::NextStep step = InterruptedWork::nextStepOf(*file);
+        if (step == InterruptedWork::NextStep::Conversion || (isConverting && file->status() == JobStatusInfoExtracted))
             work.toConvert.push_back(file);
-        else if (status == JobStatusSegmentAdded)
+        else if (step == InterruptedWork::NextStep::Upload)
             work.toUpload.push_back(file);
     }
 }
 
 } // namespace
+
+InterruptedWork::NextStep InterruptedWork::nextStepOf(const MediaFile& file)
+{
+    const int status = file.status();
+    const bool isMp3Lost = status == JobStatusSegmentAdded && !QFileInfo(file.mp3FilePath()).isReadable();
+    if (status == JobStatusConverted || isMp3Lost)
+        return NextStep::Conversion;
+    return status == JobStatusSegmentAdded ? NextStep::Upload : NextStep::None;
+}
 
 InterruptedWork InterruptedWork::of(const Job& job)
 {

@@ -16,4 +16,8 @@ struct InterruptedWork
     bool transcriptToUpload = false;
 
     [[nodiscard]] static InterruptedWork of(const Job& job);
+
+    // What a file at a settled status waits for that the finder, which takes whole jobs, does not see.
+    enum class NextStep { None, Conversion, Upload };
+    [[nodiscard]] static NextStep nextStepOf(const MediaFile& file);
 };

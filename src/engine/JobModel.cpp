@@ -143,6 +143,7 @@ void JobModel::removeJobsObject(const JobPointer& job)
     }
     if (m_isDepoIndexInUse)
         removeFromDepoIndex(removed);
+    m_stoppedWork.erase(removed);
     Q_EMIT jobRemoved(removed);
 }
 

@@ -2,6 +2,7 @@
 
 #include "commands/CUrlCommandResultObserver.h"
 #include "engine/CountingGate.h"
+#include "engine/StoppedWork.h"
 #include "engine/UploadGate.h"
 #include "foundation/ApplicationServices.h"
 #include "foundation/WorkerThreads.h"
@@ -125,6 +126,13 @@ public:
     // Every place at the upload gate is held by an upload that got no reply: files that wait for one wait for ever.
     [[nodiscard]] bool isUploadGateBlocked() const { return m_uploadGate.isBlocked(); }
 
+    // --- Trying again ---
+    // Of the job something stopped (see jobStopped), and nobody has tried it again since.
+    [[nodiscard]] bool canRetryJob(const JobPointer& job) const;
+    // What stopped goes back to its last settled status, as when a saved job is read back, and on from there; the rest
+    // of the job is left alone. An upload place that it kept is free again. False when there was nothing to try.
+    bool retryJob(const JobPointer& job);
+
     // --- Persistence ---
     // The user's unfinished local jobs, in "State_<user name>.archive" in the folder. Returns what went
     // wrong, which is logged too; processing goes on all the same.
@@ -206,8 +214,9 @@ Q_SIGNALS:
     void jobStopped(const std::shared_ptr<Job>& job, const QString& reason);
     // A delivery has ended as the service sees it, but these of its files are missing or broken here.
     void deliveryHadProblems(const std::shared_ptr<Job>& job, const QStringList& problems);
-    // A saved job whose submission was under way is submitted again. The service may hold it already, under the same
-    // transcript name.
+    void jobRetried(const std::shared_ptr<Job>& job);
+    // A job is submitted again whose submission was sent and got no answer, or none that was saved. The service may
+    // hold it already, under the same transcript name.
     void jobMayBeHeldTwice(const std::shared_ptr<Job>& job);
     // The upload of the log has ended, one way or the other.
     void logFileUploadEnded();
@@ -234,13 +243,21 @@ private:
     void removeFromDepoIndex(const JobPointer& job);
     [[nodiscard]] JobPointer searchJobWithDepoNum(int depoNum) const;
     [[nodiscard]] QString failurePrefix(const CUrlCommand& command) const;
-    [[nodiscard]] static JobPointer jobStoppedByFailureOf(const CUrlCommand& command);
+    // Notes what stopped. Null where the command belongs to no job, or nothing waits for it.
+    [[nodiscard]] JobPointer jobStoppedByFailureOf(const CUrlCommand& command);
     // Dropped when the engine has ended before the main thread comes to it.
     void postToMainThread(std::function<void()> work);
     void post(const std::shared_ptr<CUrlCommand>& command);
     void presentError(const QString& description);
     void presentErrorAndStop(const JobPointer& job, const QString& description);
-    void presentUploadError(const JobPointer& job, const MediaObject* uploadedObject, const QString& response);
+    void presentUploadError(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
+                            const QString& response);
+    void fileStopped(const JobPointer& job, const MediaFilePointer& mediaFile, bool holdsUploadPlace);
+    // A file that stopped is under way again without the user's doing: the service asked for it once more.
+    void fileGoesOn(const JobPointer& job, const MediaFilePointer& mediaFile);
+    void retrySubmission(const JobPointer& job, bool mayBeSubmitted);
+    void retryFile(const JobPointer& job, const StoppedWork::File& file);
+    void tellOfPerhapsSubmittedJob(const JobPointer& job);
     void keepDelivery(const JobPointer& job, const DownloadJobFilesCommand& command); // on the command's thread
     void finishUpload(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
                       const QString& response);
@@ -263,6 +280,7 @@ private:
     // While a status reply is applied: its jobs by number, so that thousands of records do not each search all jobs.
     std::unordered_map<int, JobPointer> m_depoIndex;
     bool m_isDepoIndexInUse = false;
+    std::unordered_map<JobPointer, StoppedWork> m_stoppedWork;
 
     std::atomic<double> m_finderSleepInterval{0.5};
     std::atomic<bool> m_doFindAndProcessJobs{false};

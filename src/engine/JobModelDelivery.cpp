@@ -113,11 +113,13 @@ void JobModel::keepDelivery(const JobPointer& job, const DownloadJobFilesCommand
 void JobModel::processJobDownloadJobResponse(const JobPointer& job, const QString& response)
 {
     Log::info("downloadJobResponse command response = {}", response);
-    if (response.isEmpty())
+    if (response.isEmpty()) {
         job->setStatus(JobStatusCompleted);
-    else
+    } else {
+        m_stoppedWork[job].isDownload = true;
         presentErrorAndStop(job, Text::format("Possible error with job({}) downloading, response({})", depoNum(*job),
                                               ShownText::of(response)));
+    }
 }
 
 void JobModel::reprocessJob(const JobPointer& job)
@@ -128,6 +130,7 @@ void JobModel::reprocessJob(const JobPointer& job)
         if (mediaFile->status() != JobStatusReprocessRequested)
             continue;
         mediaFile->setStatus(JobStatusReprocessing);
+        fileGoesOn(job, mediaFile);
         startConversion(job, mediaFile);
     }
 }
@@ -176,19 +179,6 @@ QString JobModel::failurePrefix(const CUrlCommand& command) const
     return {};
 }
 
-JobModel::JobPointer JobModel::jobStoppedByFailureOf(const CUrlCommand& command)
-{
-    if (const auto* const submit = dynamic_cast<const SubmitJobDetailsCommand*>(&command))
-        return submit->job();
-    if (const auto* const segment = dynamic_cast<const AddJobSegmentsCommand*>(&command))
-        return segment->job();
-    if (const auto* const upload = dynamic_cast<const UploadCommand*>(&command))
-        return upload->job();
-    if (const auto* const download = dynamic_cast<const DownloadJobFilesCommand*>(&command))
-        return download->job();
-    return nullptr;
-}
-
 void JobModel::curlCommandFailed(CUrlCommand& command)
 {
     Log::info("curlCommandFailed Failed: {}", command.dataAsString());
@@ -208,8 +198,9 @@ void JobModel::curlCommandFailed(CUrlCommand& command)
     }
     if (dynamic_cast<DebugUploadCommand*>(&command))
         Q_EMIT logFileUploadEnded();
+    const JobPointer job = jobStoppedByFailureOf(command);
     m_services.presentError(error);
-    if (const JobPointer job = jobStoppedByFailureOf(command))
+    if (job)
         Q_EMIT jobStopped(job, error.localizedDescription);
 }
 

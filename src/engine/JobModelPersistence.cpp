@@ -48,13 +48,8 @@ void JobModel::loadState(const QString& folder)
         m_services.presentError(SavedState::keepAside(stateFilePath(folder), *saved.problem));
     for (const JobPointer& job : saved.jobs)
         addJobsObject(job);
-    for (const JobPointer& job : saved.submittedPerhaps) {
-        Log::warning(
-            "{} was being submitted when the program ended, and is submitted again; the service may now hold it "
-            "twice",
-            job->name());
-        Q_EMIT jobMayBeHeldTwice(job);
-    }
+    for (const JobPointer& job : saved.submittedPerhaps)
+        tellOfPerhapsSubmittedJob(job);
     for (const JobPointer& job : saved.jobs)
         continueInterruptedWork(job);
     for (const JobPointer& job : jobsBefore)

@@ -60,6 +60,9 @@ void JobModel::processJobSubmitJobDetailsResponse(const JobPointer& job, const Q
         if (m_stateKeeper)
             m_stateKeeper->whenSaved([] {});
     } else {
+        StoppedWork& stopped = m_stoppedWork[job];
+        stopped.isSubmission = true;
+        stopped.mayBeSubmitted = response.isEmpty();
         presentErrorAndStop(job, submissionError(*job, response));
     }
     Log::info("Job status after submitting details: {}", job->status());
@@ -81,6 +84,7 @@ void JobModel::processJobAddMediaFileSegmentResponse(const JobPointer& job, cons
         mediaFile->setStatus(JobStatusSegmentAdded);
         uploadMediaFile(mediaFile, job);
     } else {
+        fileStopped(job, mediaFile, false);
         presentErrorAndStop(job, submissionError(*job, response));
     }
 }
@@ -132,7 +136,10 @@ void JobModel::uploadMediaFileThreadProc(const JobPointer& job, const MediaFileP
         m_uploadGate.lose();
         const QString reason =
             Text::format("No audio could be made of {}: {} cannot be read", mediaFile->sourceFilePath(), mp3Path);
-        postToMainThread([this, job, reason] { Q_EMIT jobStopped(job, reason); });
+        postToMainThread([this, job, mediaFile, reason] {
+            fileStopped(job, mediaFile, true);
+            Q_EMIT jobStopped(job, reason);
+        });
         return;
     }
     command->setUploadedObject(mediaFile);
@@ -148,6 +155,7 @@ void JobModel::uploadTranscript(const JobPointer& job)
         m_hosts, username(), password(), job, job->transcriptFile(), transcriptDestFileNameForJob(*job));
     job->stopAccessingBookmarkedURL();
     if (!command) {
+        m_stoppedWork[job].isTranscript = true;
         Q_EMIT jobStopped(job, Text::format("The transcript {} cannot be read", job->transcriptFile()));
         return;
     }
@@ -164,7 +172,7 @@ void JobModel::processJobUploadedJobFileResponse(const JobPointer& job,
     if (response == u"UPLOAD COMPLETE")
         finishUpload(job, uploadedObject, response);
     else
-        presentUploadError(job, uploadedObject.get(), response);
+        presentUploadError(job, uploadedObject, response);
     threadSignalForUploadCondition();
 }
 
@@ -197,10 +205,15 @@ void JobModel::finishUpload(const JobPointer& job, const std::shared_ptr<MediaOb
     }
 }
 
-void JobModel::presentUploadError(const JobPointer& job, const MediaObject* uploadedObject, const QString& response)
+void JobModel::presentUploadError(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
+                                  const QString& response)
 {
     Log::error("Job = {}, upload file command response = {}", depoNum(*job), response);
-    const auto* const mediaFile = dynamic_cast<const MediaFile*>(uploadedObject);
+    const auto mediaFile = std::dynamic_pointer_cast<MediaFile>(uploadedObject);
+    if (mediaFile)
+        fileStopped(job, mediaFile, false);
+    else
+        m_stoppedWork[job].isTranscript = true;
     presentErrorAndStop(job, Text::format("Possible file( {} ) uploading error for job({}), server resonse( {} )",
                                           mediaFile ? mediaFile->mp3FilePath() : job->transcriptFile(), depoNum(*job),
                                           ShownText::of(response)));

@@ -66,6 +66,12 @@ void UploadGate::lose()
     --m_repliesToCome;
 }
 
+void UploadGate::giveBack()
+{
+    const std::scoped_lock lock(m_mutex);
+    --m_count;
+}
+
 bool UploadGate::isBlocked() const
 {
     const std::scoped_lock lock(m_mutex);

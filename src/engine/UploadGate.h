@@ -26,6 +26,8 @@ public:
     void signal();
     // An upload that was counted in, or passed by, gets no reply: its place stays taken.
     void lose();
+    // Frees the place that an upload which was counted in had kept when lose() was called for it.
+    void giveBack();
     void giveUp();
     // Threads wait, and no reply is to come that could let one in.
     [[nodiscard]] bool isBlocked() const;

@@ -23,6 +23,29 @@ QString jobStringForServerStatus(const QString& serverStatus)
 
 } // namespace
 
+int settledJobStatus(int status)
+{
+    switch (status) {
+    case JobStatusSubmittingDetails:
+        return JobStatusIdle;
+    case JobStatusExtractingInfo:
+        return JobStatusDetailsSubmitted;
+    case JobStatusConverting:
+        return JobStatusInfoExtracted;
+    case JobStatusAddingSegment:
+        return JobStatusConverted;
+    case JobStatusUploading:
+        return JobStatusSegmentAdded;
+    case JobStatusReprocessRequested:
+    case JobStatusReprocessing:
+    case JobStatusReadyForDownload:
+    case JobStatusDownloading:
+        return JobStatusOnServer;
+    default:
+        return status;
+    }
+}
+
 QString jobStatusText(const MediaObject& mediaObject)
 {
     switch (mediaObject.status()) {

@@ -28,6 +28,10 @@ enum JobStatus : int {
     JobStatusCompleted = 17,
 };
 
+// The status to which work in flight falls back when it is done again: after the end of the program, or because it
+// failed. Every other status is settled already.
+[[nodiscard]] int settledJobStatus(int status);
+
 // What the list shows for the object's status; on the server, the service's own words for it. Null where the service
 // gave a media file none.
 [[nodiscard]] QString jobStatusText(const MediaObject& mediaObject);

@@ -10,34 +10,6 @@
 #include <algorithm>
 #include <typeinfo>
 
-namespace {
-
-// Work that was in flight when the archive was written is done again.
-int statusReadBack(int stored)
-{
-    switch (stored) {
-    case JobStatusSubmittingDetails:
-        return JobStatusIdle;
-    case JobStatusExtractingInfo:
-        return JobStatusDetailsSubmitted;
-    case JobStatusConverting:
-        return JobStatusInfoExtracted;
-    case JobStatusAddingSegment:
-        return JobStatusConverted;
-    case JobStatusUploading:
-        return JobStatusSegmentAdded;
-    case JobStatusReprocessRequested:
-    case JobStatusReprocessing:
-    case JobStatusReadyForDownload:
-    case JobStatusDownloading:
-        return JobStatusOnServer;
-    default:
-        return stored;
-    }
-}
-
-} // namespace
-
 MediaFile::MediaFile(const QString& path, bool isServerMediaFile) : m_isServerMediaFile(isServerMediaFile)
 {
     if (isServerMediaFile) {
@@ -77,7 +49,7 @@ std::shared_ptr<MediaFile> MediaFile::decode(const QJsonObject& archive)
     file->setMp3FilePath(JsonReading::text(archive.value(u"mp3FilePath")));
     file->setMp3Duration(JsonReading::optionalFloat(archive.value(u"mp3Duration")));
     file->setStreamsInfo(JsonReading::text(archive.value(u"streamsInfo")));
-    file->setStatus(statusReadBack(JsonReading::intOrZero(archive.value(u"status"))));
+    file->setStatus(settledJobStatus(JsonReading::intOrZero(archive.value(u"status"))));
     return file;
 }
 

@@ -127,3 +127,39 @@ TEST_F(Resume, keepsSavedJobsThatCannotBeReadAndSaysSo)
     ASSERT_EQ(kept.size(), 1);
     EXPECT_EQ(readFile(folder.filePath(kept.first())), damaged);
 }
+
+TEST_F(Resume, tryingAgainFinishesAJobThatStopped)
+{
+    service.addOverride("test_custupload2.php", {.status = 500});
+    ChildProgram& first = run(order({recording(QStringLiteral("a.wav"))}));
+    EXPECT_EQ(first.exitCode(), 3);
+    EXPECT_THAT(text(first.standardError()), HasSubstr("Nothing is lost: `quillpost-cli retry` tries again."));
+    service.clearOverrides();
+    ChildProgram& program = run({QStringLiteral("retry"), QStringLiteral("883")});
+    EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
+    EXPECT_THAT(text(program.standardOutput()), HasSubstr("Job 883 is completed"));
+    EXPECT_EQ(text(run({QStringLiteral("retry")}).standardError()), "No saved jobs.\n");
+}
+
+TEST_F(Resume, tryingAgainAJobThatIsNotSavedSendsNothing)
+{
+    leaveAJob(QStringLiteral("a.wav"));
+    const int before = service.count("cauthorize2.php");
+    ChildProgram& program = run({QStringLiteral("retry"), QStringLiteral("884")});
+    EXPECT_EQ(program.exitCode(), 1);
+    EXPECT_THAT(
+        text(program.standardError()),
+        HasSubstr("No saved job has the number or transcript name \"884\"; saved jobs: Doe-Jane-2026-03-04.txt"));
+    EXPECT_EQ(service.count("cauthorize2.php"), before);
+    EXPECT_TRUE(QFile::exists(stateFile()));
+}
+
+TEST_F(Resume, ofASubmissionThatWasNeverConfirmedSaysThatItMayBeThereTwice)
+{
+    service.addOverride("jobdetails.php", {.cutAt = 2});
+    EXPECT_EQ(run(order({recording(QStringLiteral("a.wav"))})).exitCode(), 3);
+    service.clearOverrides();
+    ChildProgram& program = run({QStringLiteral("resume")});
+    EXPECT_EQ(program.exitCode(), 0) << text(program.standardError());
+    EXPECT_THAT(text(program.standardError()), HasSubstr("The service may now hold it twice"));
+}

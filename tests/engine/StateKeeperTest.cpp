@@ -232,7 +232,7 @@ TEST_F(DamagedStateTest, AJobWhoseSubmissionHadNoReplyIsToldToBePerhapsThereTwic
     QObject::connect(&model(), &JobModel::jobMayBeHeldTwice, &scope, [&](const auto& job) { told << job->name(); });
     model().loadState(folder);
     EXPECT_EQ(told, QStringList{u"sent.txt"_s});
-    EXPECT_TRUE(log.contains(u"sent.txt was being submitted when the program ended"_s));
+    EXPECT_TRUE(log.contains(u"The submission of sent.txt was never confirmed"_s));
 }
 
 } // namespace

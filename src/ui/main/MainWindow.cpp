@@ -172,20 +172,25 @@ void MainWindow::bindRowActions()
 {
     QTreeView& list = *m_ui->jobsOutlineView;
     const auto showState = [this, &list] {
+        m_ui->tryAgainAction->setEnabled(m_controller.canTryAgain(list.currentIndex()));
         m_ui->copyJobNumberAction->setEnabled(!m_controller.jobNumberText(list.currentIndex()).isEmpty());
     };
     connect(list.selectionModel(), &QItemSelectionModel::currentChanged, this, showState);
     connect(&m_controller.jobsArrayController(), &JobListModel::changesAnnounced, this, showState);
+    connect(&m_controller, &MainWindowController::stoppedJobsChanged, this, showState);
     showState();
     connect(m_ui->copyJobNumberAction, &QAction::triggered, this,
             [this, &list] { QGuiApplication::clipboard()->setText(m_controller.jobNumberText(list.currentIndex())); });
 
+    connect(m_ui->tryAgainAction, &QAction::triggered, this,
+            [this, &list] { m_controller.tryAgain(list.currentIndex()); });
+
     auto* const rowMenu = new QMenu(&list);
     rowMenu->setObjectName(QStringLiteral("rowMenu"));
-    rowMenu->addActions({m_ui->copyJobNumberAction, rowMenu->addSeparator(), m_ui->newJobAction, m_ui->refreshAction,
-                         m_ui->openDeliveryFolderAction, rowMenu->addSeparator(), m_ui->errorsAction, m_ui->logAction,
-                         m_ui->preferencesAction, m_ui->accountPageAction, rowMenu->addSeparator(),
-                         m_ui->resetAndReloadAction, m_ui->quitAction});
+    rowMenu->addActions({m_ui->tryAgainAction, m_ui->copyJobNumberAction, rowMenu->addSeparator(), m_ui->newJobAction,
+                         m_ui->refreshAction, m_ui->openDeliveryFolderAction, rowMenu->addSeparator(),
+                         m_ui->errorsAction, m_ui->logAction, m_ui->preferencesAction, m_ui->accountPageAction,
+                         rowMenu->addSeparator(), m_ui->resetAndReloadAction, m_ui->quitAction});
     connect(&list, &QWidget::customContextMenuRequested, rowMenu,
             [&list, rowMenu](const QPoint& place) { rowMenu->popup(list.viewport()->mapToGlobal(place)); });
 }

@@ -43,6 +43,10 @@ MainWindowController::MainWindowController(ApplicationController& application)
         Q_EMIT emptyListChanged();
     });
 
+    for (const auto change : {&JobModel::jobRetried, &JobModel::jobRemoved})
+        connect(&application.jobModel(), change, this, &MainWindowController::stoppedJobsChanged);
+    connect(&application.jobModel(), &JobModel::jobStopped, this, &MainWindowController::stoppedJobsChanged);
+
     const SyncErrorList& errors = application.syncErrorList();
     connect(&errors, &SyncErrorList::errorInserted, this, [this] {
         ++m_unseenErrorCount;
@@ -116,6 +120,24 @@ QString MainWindowController::jobNumberText(const QModelIndex& index) const
 {
     const QModelIndex job = index.parent().isValid() ? index.parent() : index;
     return job.siblingAtColumn(static_cast<int>(JobListColumn::JobNumber)).data().toString();
+}
+
+std::shared_ptr<Job> MainWindowController::jobOfRow(const QModelIndex& index) const
+{
+    const QModelIndex job = index.parent().isValid() ? index.parent() : index;
+    return job.isValid() ? m_jobs.arrangedJob(job.row()) : nullptr;
+}
+
+bool MainWindowController::canTryAgain(const QModelIndex& index) const
+{
+    const auto job = jobOfRow(index);
+    return job && m_application.jobModel().canRetryJob(job);
+}
+
+void MainWindowController::tryAgain(const QModelIndex& index)
+{
+    if (const auto job = jobOfRow(index))
+        m_application.jobModel().retryJob(job);
 }
 
 // Footer

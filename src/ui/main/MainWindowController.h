@@ -45,6 +45,9 @@ public:
     [[nodiscard]] QString emptyListText() const;
     // What "Copy Job Number" copies: for a media file, its job's number. Empty where there is none yet.
     [[nodiscard]] QString jobNumberText(const QModelIndex& index) const;
+    // Whether the row's job, or the job of the row's file, stopped and can be tried again.
+    [[nodiscard]] bool canTryAgain(const QModelIndex& index) const;
+    void tryAgain(const QModelIndex& index);
 
     // --- Footer ---
     [[nodiscard]] QString footerText() const { return m_footerText; }
@@ -87,10 +90,12 @@ Q_SIGNALS:
     void footerTextChanged();
     void isRefreshingChanged();
     void emptyListChanged();
+    void stoppedJobsChanged();
     void unseenErrorsChanged();
 
 private:
     void followList();
+    [[nodiscard]] std::shared_ptr<Job> jobOfRow(const QModelIndex& index) const;
 
     ApplicationController& m_application;
     JobListModel m_jobs;

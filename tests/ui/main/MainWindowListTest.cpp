@@ -249,12 +249,31 @@ TEST_F(MainWindowListTest, TheJobNumberOfTheRowIsCopied)
     EXPECT_EQ(QApplication::clipboard()->text(), u"4711"_s);
 }
 
+TEST_F(MainWindowListTest, AJobThatStoppedIsTriedAgainFromItsRow)
+{
+    const auto job = addJob(u"Smith"_s);
+    const auto file = addFile(*job, u"Segment 1"_s);
+    file->setStatus(JobStatusSubmittingDetails);
+    announce();
+    outline().setCurrentIndex(row(0));
+    auto& tryAgain = find<QAction>(u"tryAgainAction"_s);
+    EXPECT_FALSE(tryAgain.isEnabled()) << "it is under way";
+    application.jobModel().processJobSubmitJobDetailsResponse(job, u"Account on hold"_s);
+    EXPECT_TRUE(tryAgain.isEnabled());
+    outline().expandAll();
+    outline().setCurrentIndex(outline().model()->index(0, 0, row(0)));
+    EXPECT_TRUE(tryAgain.isEnabled()) << "the row of its recording";
+    tryAgain.trigger();
+    EXPECT_EQ(file->status(), JobStatusIdle);
+    EXPECT_FALSE(tryAgain.isEnabled());
+}
+
 TEST_F(MainWindowListTest, TheRowMenuHasEveryAction)
 {
     auto& menu = find<QMenu>(u"rowMenu"_s);
     Q_EMIT outline().customContextMenuRequested({5, 5});
     EXPECT_TRUE(menu.isVisible());
-    for (const auto& action : {u"copyJobNumberAction"_s, u"newJobAction"_s, u"refreshAction"_s,
+    for (const auto& action : {u"tryAgainAction"_s, u"copyJobNumberAction"_s, u"newJobAction"_s, u"refreshAction"_s,
                                u"openDeliveryFolderAction"_s, u"errorsAction"_s, u"logAction"_s, u"preferencesAction"_s,
                                u"accountPageAction"_s, u"resetAndReloadAction"_s, u"quitAction"_s})
         EXPECT_TRUE(menu.actions().contains(&find<QAction>(action))) << qPrintable(action);

@@ -54,6 +54,7 @@ TEST_F(MainWindowTest, ActionsHaveTheirShortcuts)
         {u"logAction"_s, u"Ctrl+L"_s},
         {u"preferencesAction"_s, u"Ctrl+,"_s},
         {u"copyJobNumberAction"_s, u"Ctrl+C"_s},
+        {u"tryAgainAction"_s, u"Ctrl+T"_s},
         {u"resetAndReloadAction"_s, u"Ctrl+Shift+R"_s},
         {u"accountPageAction"_s, u"Ctrl+Shift+A"_s},
     };
