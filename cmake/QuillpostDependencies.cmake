@@ -1,6 +1,6 @@
 # Everything the project builds with comes from Debian; scripts/install-dependencies has the package names.
 find_package(Threads REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg Test)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Network Svg Test Widgets)
 find_package(CURL 7.88 REQUIRED)
 find_package(OpenSSL REQUIRED)
 find_package(ZLIB REQUIRED)

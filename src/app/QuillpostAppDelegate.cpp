@@ -64,7 +64,7 @@ void QuillpostAppDelegate::awakeFromNib()
     connect(m_jobModel.get(), &JobModel::jobStopped, this, &QuillpostAppDelegate::jobStopped);
     connect(m_jobModel.get(), &JobModel::jobMayBeHeldTwice, this, [this](const std::shared_ptr<Job>& job) {
         presentError({ErrorDomain::SyncBase, 0,
-                      tr("%1 is submitted again, since no answer came to its submission. The service may now hold it "
+                      tr("The submission of %1 was never confirmed; it is submitted again. The service may now hold it "
                          "twice: look for two jobs of this transcript.")
                           .arg(job->name())});
     });
@@ -128,6 +128,16 @@ void QuillpostAppDelegate::applicationDidFinishLaunching()
                                        : tr("The folder for temporary files cannot be made: %1").arg(folder)});
     m_loginWindowController->showWindow();
     showCurlInfo();
+}
+
+void QuillpostAppDelegate::bringToFront()
+{
+    if (m_isTerminating)
+        return;
+    if (m_userName.isEmpty())
+        m_loginWindowController->showWindow();
+    else
+        m_mainWindowController->showWindow();
 }
 
 void QuillpostAppDelegate::userLoggedIn(const QString& userName, const QString& password, const QString& contactID)

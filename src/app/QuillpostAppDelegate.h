@@ -48,6 +48,8 @@ public:
     // --- The life of the application, in this order ---
     // Makes the temporary folder and shows the login window.
     void applicationDidFinishLaunching();
+    // Shows the window that the user has got to: the log-in, or the list of jobs.
+    void bringToFront();
     [[nodiscard]] static bool applicationShouldTerminateAfterLastWindowClosed() { return true; }
     // Asks the user while jobs are being worked on.
     [[nodiscard]] TerminateReply applicationShouldTerminate();

@@ -8,14 +8,16 @@
 UserPlaces::UserPlaces(Kind kind)
 {
     if (kind == Kind::Own) {
-        m_defaults = std::make_unique<UserDefaults>(UserFolders::settingsFilePath());
+        m_settingsPath = UserFolders::settingsFilePath();
+        m_defaults = std::make_unique<UserDefaults>(m_settingsPath);
         m_logFolder = UserFolders::logFolder();
         UserDefaults::setStandard(m_defaults.get());
         Preferences::initialize(*m_defaults);
         return;
     }
     m_demoFolder = std::make_unique<QTemporaryDir>();
-    m_defaults = std::make_unique<UserDefaults>(m_demoFolder->filePath(QStringLiteral("Quillpost.ini")));
+    m_settingsPath = m_demoFolder->filePath(QStringLiteral("Quillpost.ini"));
+    m_defaults = std::make_unique<UserDefaults>(m_settingsPath);
     m_logFolder = m_demoFolder->filePath(QStringLiteral("log"));
     UserDefaults::setStandard(m_defaults.get());
     Preferences::initialize(*m_defaults, Preferences::detectedProcessorCount(), m_demoFolder->path());

@@ -18,10 +18,12 @@ public:
 
     // With the defaults registered.
     [[nodiscard]] UserDefaults& defaults() { return *m_defaults; }
+    [[nodiscard]] const QString& settingsPath() const { return m_settingsPath; }
     [[nodiscard]] const QString& logFolder() const { return m_logFolder; }
 
 private:
     std::unique_ptr<QTemporaryDir> m_demoFolder;
+    QString m_settingsPath;
     std::unique_ptr<UserDefaults> m_defaults;
     QString m_logFolder;
 };

@@ -3,11 +3,13 @@
 #include "app/DesktopWindows.h"
 #include "app/QuillpostAppDelegate.h"
 #include "app/QuitGuard.h"
+#include "app/SingleInstance.h"
 #include "app/UserPlaces.h"
 #include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/Secrets.h"
+#include "foundation/Text.h"
 #include "foundation/UserFolders.h"
 #include "foundation/Version.h"
 #include "ui/controls/QtUserDialogs.h"
@@ -55,14 +57,31 @@ int failToStart(QtUserDialogs& dialogs, const Error& error)
     return cannotStart;
 }
 
+// Another program works with the user's settings already.
+int endBehindOther(QtUserDialogs& dialogs, const SingleInstance& instance, SingleInstance::Outcome outcome)
+{
+    if (outcome == SingleInstance::Outcome::OtherCame) {
+        std::fputs("quillpost: it is running already, and has come to the front.\n", stderr);
+        return EXIT_SUCCESS;
+    }
+    return failToStart(dialogs, {ErrorDomain::Platform, 0,
+                                 Text::format("Quillpost is running already, as {}, but it does not answer. End it, "
+                                              "then start Quillpost again.",
+                                              instance.otherProgram())});
+}
+
 // The program between its start and its end.
 void runUntilQuit(const QuillpostAppDelegate::Environment& environment,
-                  const std::optional<DemoServiceChild::Account>& demo)
+                  const std::optional<DemoServiceChild::Account>& demo, const SingleInstance& instance)
 {
     QuillpostAppDelegate delegate(environment);
     DesktopWindows windows(delegate);
     const QuitGuard guard(delegate, windows.mainWindow());
     QObject::connect(&delegate, &QuillpostAppDelegate::terminated, qApp, &QCoreApplication::quit);
+    QObject::connect(&instance, &SingleInstance::wanted, &delegate, [&](const QString& activationToken) {
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8()); // Qt hands it to the compositor.
+        delegate.bringToFront();
+    });
     const Interruption interruption([&] { delegate.terminate(); });
     // The session may yet go on, so nothing ends here.
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, &delegate, [&] { delegate.saveJobs(); });
@@ -114,6 +133,9 @@ int main(int argc, char** argv)
 
     QtUserDialogs dialogs;
     UserPlaces places(line.demo ? UserPlaces::Kind::Demo : UserPlaces::Kind::Own);
+    SingleInstance instance(places.settingsPath());
+    if (const auto outcome = instance.start(); outcome != SingleInstance::Outcome::First)
+        return endBehindOther(dialogs, instance, outcome);
     DemoServiceChild demoService;
     std::optional<DemoServiceChild::Account> demo;
     if (line.demo) {
@@ -134,6 +156,6 @@ int main(int argc, char** argv)
                   .statusCheckTimeInterval = line.pollInterval,
                   .instructionsCheckTimeInterval = line.pollInterval,
                   .logFolder = places.logFolder()},
-                 demo);
+                 demo, instance);
     return EXIT_SUCCESS;
 }

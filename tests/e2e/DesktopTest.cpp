@@ -131,6 +131,22 @@ TEST_F(Desktop, takesDroppedFilesToTheirDelivery)
     EXPECT_EQ(program.exitCode(), 0) << said();
 }
 
+TEST_F(Desktop, comesToTheFrontWhenItIsStartedAgain)
+{
+    startProgram();
+    QString login;
+    ASSERT_NO_FATAL_FAILURE(waitFor(QStringLiteral("Log In"), login));
+    display.minimize(login);
+    ASSERT_TRUE(Waiting::until([&] { return display.activeWindow() != login; }));
+    ChildProgram again{QStringLiteral(DESKTOP_PROGRAM)};
+    again.start({}, environment);
+    ASSERT_TRUE(Waiting::until([&] { return again.hasEnded(); }));
+    EXPECT_EQ(again.exitCode(), 0) << text(again.standardError());
+    EXPECT_THAT(text(again.standardError()), testing::HasSubstr("it is running already"));
+    EXPECT_TRUE(Waiting::until([&] { return display.activeWindow() == login; }));
+    EXPECT_FALSE(program.hasEnded()) << said();
+}
+
 TEST_F(Desktop, leavesNoChildAndKeepsTheJobWhenItEndsWhileATransferHangs)
 {
     service.addOverride("test_custupload2.php", {.hang = true});

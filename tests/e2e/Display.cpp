@@ -77,6 +77,16 @@ QString Display::titleOf(const QString& window)
     return point({QStringLiteral("getwindowname"), window}).value_or(QString());
 }
 
+std::optional<QString> Display::activeWindow()
+{
+    return point({QStringLiteral("getactivewindow")});
+}
+
+void Display::minimize(const QString& window)
+{
+    point({QStringLiteral("windowminimize"), QStringLiteral("--sync"), window});
+}
+
 QRect Display::geometryOf(const QString& window)
 {
     QRect rect;

@@ -30,6 +30,10 @@ public:
     [[nodiscard]] bool hasWindow(const QString& title);
     [[nodiscard]] QString titleOf(const QString& window);
     [[nodiscard]] QRect geometryOf(const QString& window);
+    // The one with the keyboard; nothing when none has it.
+    [[nodiscard]] std::optional<QString> activeWindow();
+    // To the task bar.
+    void minimize(const QString& window);
     // Brings the window to the front and gives it the keyboard.
     void focus(const QString& window);
     // As on a keyboard; a key has its X name, such as "Return" or "ctrl+n".
