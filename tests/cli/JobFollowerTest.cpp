@@ -1,4 +1,5 @@
 #include "cli/JobFollower.h"
+
 #include "foundation/MainThread.h"
 #include "support/TemporaryHome.h"
 #include "support/Waiting.h"

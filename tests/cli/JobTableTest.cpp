@@ -1,4 +1,5 @@
 #include "cli/JobTable.h"
+
 #include "support/TemporaryHome.h"
 
 #include <gmock/gmock.h>

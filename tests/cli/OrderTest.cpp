@@ -1,4 +1,5 @@
 #include "cli/Order.h"
+
 #include "support/TemporaryHome.h"
 #include "transcript/TranscriptFileType.h"
 

@@ -1,4 +1,5 @@
 #include "cli/RowText.h"
+
 #include "model/JobStatus.h"
 
 #include <gtest/gtest.h>

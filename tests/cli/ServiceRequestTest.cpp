@@ -1,4 +1,5 @@
 #include "cli/ServiceRequest.h"
+
 #include "commands/LoginCommand.h"
 #include "demo-service/Service.h"
 #include "support/TemporaryHome.h"

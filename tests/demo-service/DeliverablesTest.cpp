@@ -1,4 +1,5 @@
 #include "demo-service/Deliverables.h"
+
 #include "demo-service/TimedTranscript.h"
 
 #include <gmock/gmock.h>
