@@ -135,8 +135,6 @@ void DownloadJobFilesCommand::execute()
     // What the service is told to be delivered it need not keep.
     if (!isCancelled() && numberOfFiles > 0 && !DeliveryFlush::flush(jobFolderPath, begin))
         Log::warning("Job {}, not all files in {} could be flushed to disk", depoNum(), jobFolderPath);
-    if (!isCancelled() && m_beforeTelling)
-        m_beforeTelling();
     // A delivery cut short by the end of the program is not a delivery.
     if (isCancelled())
         setResult(CURLE_ABORTED_BY_CALLBACK);

@@ -7,7 +7,6 @@
 
 #include <QStringList>
 
-#include <functional>
 #include <optional>
 
 // The whole delivery of one finished job, request after request, on its worker thread: lists the result files, works
@@ -32,13 +31,8 @@ public:
     [[nodiscard]] const std::shared_ptr<Job>& job() const { return m_job; }
     [[nodiscard]] const QString& folderPath() const { return m_folderPath; }
 
-    // Called on the worker thread once all that could be delivered is on disk, before the service is told. To be set
-    // before the command is posted.
-    void setBeforeTelling(std::function<void()> beforeTelling) { m_beforeTelling = std::move(beforeTelling); }
-
     void execute() override;
     void cancel() override;
-    using CUrlCommand::isCancelled;
 
     // What was not delivered as it should be, in words. To be asked for when the command has ended.
     [[nodiscard]] QStringList problems() const;
@@ -72,7 +66,6 @@ private:
     const std::shared_ptr<Job> m_job;
     const QString m_folderPath;
     QStringList m_problems;
-    std::function<void()> m_beforeTelling;
 
     std::mutex m_nestedMutex;
     std::shared_ptr<CUrlCommand> m_nested; // guarded by m_nestedMutex

@@ -26,7 +26,6 @@
 class AddJobSegmentsCommand;
 class CUrlCommand;
 class CUrlCommandProcessor;
-class DownloadJobFilesCommand;
 class StateKeeper;
 class UploadCommand;
 
@@ -258,7 +257,6 @@ private:
     void retrySubmission(const JobPointer& job, bool mayBeSubmitted);
     void retryFile(const JobPointer& job, const StoppedWork::File& file);
     void tellOfPerhapsSubmittedJob(const JobPointer& job);
-    void keepDelivery(const JobPointer& job, const DownloadJobFilesCommand& command); // on the command's thread
     void finishUpload(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
                       const QString& response);
 

@@ -9,15 +9,12 @@
 #include "commands/SubmitJobDetailsCommand.h"
 #include "commands/UploadCommand.h"
 #include "engine/JobModel.h"
-#include "engine/StateKeeper.h"
 #include "foundation/FileLogger.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
 #include "foundation/ShownText.h"
 #include "foundation/Text.h"
-
-#include <future>
 
 namespace {
 
@@ -80,34 +77,11 @@ void JobModel::downloadJob(const JobPointer& job)
 {
     job->setTotalValue(100);
     job->setProcessedValue(0);
-    const auto command = DownloadJobFilesCommand::downloadJobFilesCommandWithUser(m_hosts, username(), password(), job,
-                                                                                  m_deliveryFolder);
-    command->setBeforeTelling([this, job, raw = command.get()] { keepDelivery(job, *raw); });
-    post(command);
-    job->setFilesDelivered(false);
+    post(DownloadJobFilesCommand::downloadJobFilesCommandWithUser(m_hosts, username(), password(), job,
+                                                                  m_deliveryFolder));
     job->setStatus(JobStatusDownloading);
     for (const MediaFilePointer& mediaFile : job->mediaFiles())
         mediaFile->setStatus(JobStatusCompleted);
-}
-
-// The saved jobs tell of a delivery before the service hears of it: a run after a crash knows by this which of the jobs
-// that the service calls done have all their files here.
-void JobModel::keepDelivery(const JobPointer& job, const DownloadJobFilesCommand& command)
-{
-    std::future<void> isSaved;
-    {
-        const auto saved = std::make_shared<std::promise<void>>();
-        isSaved = saved->get_future();
-        MainThread::runAndWait([&] {
-            job->setFilesDelivered(true);
-            if (m_stateKeeper)
-                m_stateKeeper->whenSaved([saved] { saved->set_value(); });
-        });
-    }
-    // Ready too when nobody keeps the jobs, or does not any more.
-    constexpr std::chrono::milliseconds timeBetweenLooks(50);
-    while (isSaved.wait_for(timeBetweenLooks) != std::future_status::ready && !command.isCancelled()) {
-    }
 }
 
 void JobModel::processJobDownloadJobResponse(const JobPointer& job, const QString& response)

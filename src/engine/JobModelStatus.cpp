@@ -82,8 +82,6 @@ void JobModel::processStatusForDepoNum(int depoNum, const QString& transcriptNam
         return;
     if (status == u"Joined")
         job->setStatus(JobStatusReadyForDownload);
-    else if (status == u"Done" && job->filesDelivered()) // By a run that ended before it knew.
-        job->setStatus(JobStatusCompleted);
     else if (equalsIgnoringCase(status, u"VOID"))
         removeJobsObject(job);
 }

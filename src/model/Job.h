@@ -149,9 +149,6 @@ public:
     // The service has confirmed the transcript.
     [[nodiscard]] bool transcriptUploaded() const;
     void setTranscriptUploaded(bool transcriptUploaded);
-    // Every deliverable is on disk, though the service may not have been told yet.
-    [[nodiscard]] bool filesDelivered() const;
-    void setFilesDelivered(bool filesDelivered);
     // Empty when no bookmark was found.
     [[nodiscard]] QUrl transcriptFileURL() const;
     void setTranscriptFileURL(const QUrl& transcriptFileURL);
@@ -278,6 +275,5 @@ private:
     std::optional<float> m_uploadedMediaFileSize;
     bool m_serverJob = false;
     bool m_transcriptUploaded = false;
-    bool m_filesDelivered = false;
     QUrl m_transcriptFileURL;
 };

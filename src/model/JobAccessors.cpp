@@ -232,17 +232,6 @@ void Job::setTranscriptUploaded(bool transcriptUploaded)
     Q_EMIT rowChanged(); // It is saved with the job.
 }
 
-bool Job::filesDelivered() const
-{
-    return copied(m_filesDelivered);
-}
-
-void Job::setFilesDelivered(bool filesDelivered)
-{
-    store(m_filesDelivered, filesDelivered);
-    Q_EMIT rowChanged(); // It is saved with the job.
-}
-
 QUrl Job::transcriptFileURL() const
 {
     return copied(m_transcriptFileURL);

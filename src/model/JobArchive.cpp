@@ -55,7 +55,6 @@ std::optional<QJsonObject> Job::encode() const
         {QStringLiteral("status"), m_status.load()},
         {QStringLiteral("rushRateMultiplier"), fromScalar(m_rushRateMultiplier)},
         {QStringLiteral("transcriptUploaded"), m_transcriptUploaded},
-        {QStringLiteral("filesDelivered"), m_filesDelivered},
     };
 }
 
@@ -97,7 +96,6 @@ void Job::decodeMembers(const QJsonObject& archive)
     setViaInterpreter(archive.value(u"viaInterpreter").toBool());
     decodeProducts(archive);
     setTranscriptUploaded(archive.value(u"transcriptUploaded").toBool());
-    setFilesDelivered(archive.value(u"filesDelivered").toBool());
     setStatus(statusReadBack(JsonReading::intOrZero(archive.value(u"status"))));
     recalculateTotalStatus();
 }

@@ -6,50 +6,23 @@
 #include "commands/SetMediaFormatCommand.h"
 #include "engine/SavedState.h"
 
-#include <algorithm>
-#include <mutex>
-#include <vector>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
 using KilledRunTest = EngineTest;
 
-TEST_F(KilledRunTest, AJobThatTheServiceCallsDoneIsCompletedWhereItsFilesAreHere)
+TEST_F(KilledRunTest, AJobWhoseEndWasNotSavedIsDeliveredOnceMoreWhateverTheServiceCallsIt)
 {
-    const auto job = addJobAt(11);
-    job->setFilesDelivered(true);
+    addJobAt(15);
+    EXPECT_FALSE(model().saveState(path(u"temp"_s)));
+    restartEngine();
+    model().loadState(path(u"temp"_s));
     model().processStatusForDepoNum(883, u"Smith 2 Mar.txt"_s, u"Done"_s);
-    EXPECT_EQ(job->status(), 17);
-    EXPECT_EQ(job->serverStatus(), u"Done");
-}
-
-TEST_F(KilledRunTest, AJobThatTheServiceCallsDoneStaysWhereItsFilesAreNotHere)
-{
-    const auto job = addJobAt(11);
-    model().processStatusForDepoNum(883, u"Smith 2 Mar.txt"_s, u"Done"_s);
-    EXPECT_EQ(job->status(), 11);
-}
-
-TEST_F(KilledRunTest, OnlyTheExactWordCompletesAJob)
-{
-    const auto job = addJobAt(11);
-    job->setFilesDelivered(true);
-    for (const QString& word : {u"done"_s, u"Joining"_s, u""_s})
-        model().processStatusForDepoNum(883, u"Smith 2 Mar.txt"_s, word);
-    EXPECT_EQ(job->status(), 11);
-}
-
-TEST_F(KilledRunTest, WhatTheServiceWasNotToldOfIsDeliveredOnceMore)
-{
-    const auto job = addJobAt(11);
-    job->setFilesDelivered(true);
-    model().processStatusForDepoNum(883, u"Smith 2 Mar.txt"_s, u"Joined"_s);
-    EXPECT_EQ(job->status(), 14);
-    model().downloadJob(job);
+    ASSERT_EQ(model().jobs().size(), 1U);
+    EXPECT_EQ(model().jobs().front()->status(), 14);
+    model().foundJobToProces(model().jobs().front());
     EXPECT_EQ(takeCommandsOf<DownloadJobFilesCommand>().size(), 1U);
-    EXPECT_FALSE(job->filesDelivered()) << "They are written over from now on.";
 }
 
 TEST_F(KilledRunTest, TheNumberOfAJobIsSavedAtOnce)
@@ -79,54 +52,6 @@ TEST_F(KilledRunTest, AnUploadThatGoesOnTellsTheStreamsOfItsRecordingOnceMore)
     const auto told = takeCommandsOf<SetMediaFormatCommand>();
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told.front()->mediaFile()->name(), u"b.mov");
-}
-
-// Reads the saved jobs whenever the service gets a request.
-class KeptBeforeToldTest : public ServiceEngineTest
-{
-protected:
-    KeptBeforeToldTest() : ServiceEngineTest(watchedBy(*this)) {}
-    ~KeptBeforeToldTest() override { service.stop(); }
-
-    static DemoService::Options watchedBy(KeptBeforeToldTest& test)
-    {
-        DemoService::Options options;
-        options.watch = [&test](DemoService::Stage stage, const DemoService::Request& request) {
-            if (stage == DemoService::Stage::Received && request.endpoint == "test_downloadjob2.php")
-                test.look(request.body.find("just_get_name") == std::string::npos);
-        };
-        return options;
-    }
-    void look(bool isForContents)
-    {
-        const std::scoped_lock lock(mutex);
-        if (!isForContents || stateFile.isEmpty())
-            return;
-        const auto saved = SavedState::read(stateFile).jobs;
-        keptAt.push_back(!saved.empty() && saved.front()->filesDelivered());
-    }
-
-    std::mutex mutex; // guards the members below
-    QString stateFile;
-    std::vector<bool> keptAt; // each request for a file's contents, and the last, which tells of the delivery
-};
-
-TEST_F(KeptBeforeToldTest, TheSavedJobsTellOfTheFilesBeforeTheServiceHearsOfThem)
-{
-    {
-        const std::scoped_lock lock(mutex);
-        stateFile = path(u"temp/State_demo.archive"_s);
-    }
-    model().keepState(path(u"temp"_s));
-    const auto job = realJob({u"a.wav"_s});
-    model().addJobsObject(job);
-    model().startJobProcessing();
-    EXPECT_TRUE(reaches(job, 17));
-    const std::scoped_lock lock(mutex);
-    ASSERT_FALSE(keptAt.empty());
-    EXPECT_TRUE(keptAt.back());
-    keptAt.pop_back();
-    EXPECT_EQ(std::count(keptAt.begin(), keptAt.end(), true), 0);
 }
 
 } // namespace

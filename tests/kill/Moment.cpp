@@ -105,7 +105,8 @@ void Road::addRequest(const std::string& endpoint, int number)
 Plan::Plan(std::uint64_t planSeed, int number) : seed(planSeed), scenario(number)
 {
     Dice dice(seed, scenario);
-    orders = dice.happensIn(0.1) ? 3 : 1;
+    const double many = dice.share();
+    orders = many < 0.02 ? 6 : many < 0.1 ? 3 : 1;
     again = dice.happensIn(0.25);
     for (int order = 0; order < orders; ++order)
         ofSubmissions.push_back(dice.moment());

@@ -57,7 +57,6 @@ TEST_F(JobArchiveTest, ReadsBackWhatIsArchived)
     job->setDepoNum(4711);
     job->setRushRateMultiplier(u"1.5"_s);
     job->setTranscriptUploaded(true);
-    job->setFilesDelivered(true);
     for (const auto& file : job->mediaFiles())
         file->setStatus(JobStatusUploaded);
     ASSERT_EQ(job->status(), JobStatusUploaded);
@@ -92,38 +91,19 @@ TEST_F(JobArchiveTest, ReadsBackWhatIsArchived)
     EXPECT_EQ(back->depoNum(), 4711);
     EXPECT_EQ(back->rushRateMultiplier(), QVariant(u"1.5"_s));
     EXPECT_TRUE(back->transcriptUploaded());
-    EXPECT_TRUE(back->filesDelivered());
     EXPECT_FALSE(back->serverJob());
     EXPECT_TRUE(back->encode() == job->encode()) << "archived again, it is as it was";
 }
 
 TEST_F(JobArchiveTest, HoldsExactlyTheMembersThatAreNotDerived)
 {
-    EXPECT_EQ(Job::job()->encode()->keys(), QStringList({u"autoSyncProdID"_s,
-                                                         u"autoSyncRate"_s,
-                                                         u"deliveryFormat"_s,
-                                                         u"depoNum"_s,
-                                                         u"deponentFirstName"_s,
-                                                         u"deponentLastName"_s,
-                                                         u"depositionDate"_s,
-                                                         u"filesDelivered"_s,
-                                                         u"man24ProdID"_s,
-                                                         u"man24Rate"_s,
-                                                         u"man48ProdID"_s,
-                                                         u"man48Rate"_s,
-                                                         u"man72ProdID"_s,
-                                                         u"man72Rate"_s,
-                                                         u"mediaFiles"_s,
-                                                         u"orderNum"_s,
-                                                         u"rush"_s,
-                                                         u"rushRateMultiplier"_s,
-                                                         u"shortCaption"_s,
-                                                         u"status"_s,
-                                                         u"transcriptFile"_s,
-                                                         u"transcriptUploaded"_s,
-                                                         u"unattendedProdID"_s,
-                                                         u"unattendedRate"_s,
-                                                         u"viaInterpreter"_s}));
+    EXPECT_EQ(Job::job()->encode()->keys(),
+              QStringList({u"autoSyncProdID"_s,     u"autoSyncRate"_s,     u"deliveryFormat"_s, u"depoNum"_s,
+                           u"deponentFirstName"_s,  u"deponentLastName"_s, u"depositionDate"_s, u"man24ProdID"_s,
+                           u"man24Rate"_s,          u"man48ProdID"_s,      u"man48Rate"_s,      u"man72ProdID"_s,
+                           u"man72Rate"_s,          u"mediaFiles"_s,       u"orderNum"_s,       u"rush"_s,
+                           u"rushRateMultiplier"_s, u"shortCaption"_s,     u"status"_s,         u"transcriptFile"_s,
+                           u"transcriptUploaded"_s, u"unattendedProdID"_s, u"unattendedRate"_s, u"viaInterpreter"_s}));
 }
 
 TEST_F(JobArchiveTest, AServerJobIsNotArchived)
@@ -231,7 +211,7 @@ TEST_F(JobArchiveTest, ValuesOfTheWrongTypeCountAsMissing)
         "deliveryFormat": "5", "deponentFirstName": 1, "deponentLastName": [], "depositionDate": "yesterday",
         "shortCaption": {}, "rush": "yes", "viaInterpreter": 1, "man24ProdID": [1], "man24Rate": {},
         "autoSyncRate": null, "orderNum": "12", "depoNum": true, "status": "5", "rushRateMultiplier": [],
-        "transcriptUploaded": 1, "filesDelivered": 1})");
+        "transcriptUploaded": 1})");
     ASSERT_TRUE(job);
     EXPECT_TRUE(job->mediaFiles().isEmpty());
     EXPECT_EQ(job->deliveryFormat(), DeliveryFormatAll);
@@ -249,7 +229,6 @@ TEST_F(JobArchiveTest, ValuesOfTheWrongTypeCountAsMissing)
     EXPECT_EQ(job->status(), 0);
     EXPECT_FALSE(job->rushRateMultiplier().isValid());
     EXPECT_FALSE(job->transcriptUploaded());
-    EXPECT_FALSE(job->filesDelivered());
 }
 
 TEST_F(JobArchiveTest, NumbersOutOfRangeDoNoHarm)

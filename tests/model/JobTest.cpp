@@ -38,7 +38,6 @@ TEST_F(JobTest, BeginsAsALocalJobOfTodayAtAutoSyncWithoutFiles)
     EXPECT_EQ(job->status(), JobStatusIdle);
     EXPECT_FALSE(job->serverJob());
     EXPECT_FALSE(job->transcriptUploaded());
-    EXPECT_FALSE(job->filesDelivered());
     EXPECT_TRUE(job->transcriptFileURL().isEmpty());
     EXPECT_EQ(job->orderNum(), std::nullopt);
     EXPECT_EQ(job->depoNum(), std::nullopt);
