@@ -51,10 +51,13 @@ Scenario::Scenario(const Plan& plan, const Common& common)
               m_killer->atRequest(stage, request);
       }))
 {
-    for (const char* name : {"PATH", "TSAN_OPTIONS", "ASAN_OPTIONS", "LSAN_OPTIONS"}) {
+    for (const char* name : {"PATH", "TSAN_OPTIONS", "ASAN_OPTIONS"}) {
         if (qEnvironmentVariableIsSet(name))
             m_environment[QString::fromLatin1(name)] = qEnvironmentVariable(name);
     }
+    // What the libraries of the system keep to the end is not the program's to give back.
+    m_environment[QStringLiteral("LSAN_OPTIONS")] =
+        QStringLiteral("print_suppressions=0:suppressions=") + QStringLiteral(LEAK_SUPPRESSIONS);
     m_environment[QStringLiteral("HOME")] = m_folder.path();
     m_environment[QStringLiteral("QUILLPOST_PASSWORD")] = QStringLiteral("demo1234");
     QDir().mkpath(path(QStringLiteral("files")));
