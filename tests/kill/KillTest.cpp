@@ -7,7 +7,7 @@
 
 namespace {
 
-// More than ctest can run beside its other tests go through scripts/kill-test.
+// A sanitized program takes several times as long. More of them, and other seeds, are for scripts/kill-test.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int momentsOfAll = 16;
 #else
