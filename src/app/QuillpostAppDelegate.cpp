@@ -68,6 +68,11 @@ void QuillpostAppDelegate::awakeFromNib()
                          "twice: look for two jobs of this transcript.")
                           .arg(job->name())});
     });
+    connect(m_jobModel.get(), &JobModel::deliveryHadProblems, this,
+            [this](const std::shared_ptr<Job>& job, const QStringList& problems) {
+                presentError({ErrorDomain::SyncBase, 0,
+                              tr("%1 was delivered, but: %2").arg(job->name(), problems.join(QStringLiteral("; ")))});
+            });
     m_jobModel->setCurlCommandProcessor(m_curlCommandProcessor.get());
     m_jobModel->setStatusCheckTimeInterval(m_environment.statusCheckTimeInterval);
     m_jobModel->setInstructionsCheckTimeInterval(m_environment.instructionsCheckTimeInterval);

@@ -42,11 +42,23 @@ SingleInstance::SingleInstance(const QString& settingsPath)
 SingleInstance::Outcome SingleInstance::start(std::chrono::milliseconds patience)
 {
     PrivateFolder::make(QFileInfo(m_settingsPath).absolutePath());
-    if (m_lock.take(lockPath(m_settingsPath))) {
-        listen();
-        return Outcome::First;
-    }
-    return askOther(patience) ? Outcome::OtherCame : Outcome::OtherIsSilent;
+    const QDeadlineTimer deadline(patience);
+    do {
+        // Also when the other is just ending.
+        if (m_lock.take(lockPath(m_settingsPath))) {
+            listen();
+            return Outcome::First;
+        }
+        if (askOther(deadline))
+            return Outcome::OtherCame;
+        QThread::msleep(50); // It may just be starting.
+    } while (!deadline.hasExpired());
+    return Outcome::OtherIsSilent;
+}
+
+void SingleInstance::stopAnswering()
+{
+    m_server.close();
 }
 
 QString SingleInstance::otherProgram() const
@@ -84,23 +96,16 @@ void SingleInstance::answer()
     });
 }
 
-bool SingleInstance::askOther(std::chrono::milliseconds patience) const
+bool SingleInstance::askOther(const QDeadlineTimer& deadline) const
 {
-    const QDeadlineTimer deadline(patience);
     const auto left = [&] { return static_cast<int>(deadline.remainingTime()); };
-    while (!deadline.hasExpired()) {
-        QLocalSocket socket;
-        socket.connectToServer(m_socketPath);
-        if (!socket.waitForConnected(left())) {
-            QThread::msleep(50); // It may just be starting.
-            continue;
-        }
-        socket.write(request + qgetenv("XDG_ACTIVATION_TOKEN") + '\n');
-        QByteArray said;
-        while (!deadline.hasExpired() && said != reply && socket.waitForReadyRead(left()))
-            said += socket.readAll();
-        if (said == reply)
-            return true;
-    }
-    return false;
+    QLocalSocket socket;
+    socket.connectToServer(m_socketPath);
+    if (!socket.waitForConnected(left()))
+        return false;
+    socket.write(request + qgetenv("XDG_ACTIVATION_TOKEN") + '\n');
+    QByteArray said;
+    while (said != reply && !deadline.hasExpired() && socket.waitForReadyRead(left()))
+        said += socket.readAll();
+    return said == reply;
 }

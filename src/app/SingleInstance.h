@@ -2,6 +2,7 @@
 
 #include "engine/SavedStateLock.h"
 
+#include <QDeadlineTimer>
 #include <QLocalServer>
 #include <QObject>
 #include <QString>
@@ -22,8 +23,10 @@ public:
         OtherCame,     // the one that runs has come to the front
         OtherIsSilent, // there is one, but it does not answer
     };
-    // Blocks while another program is asked, at most for that long.
+    // Blocks while another program is asked, at most for that long. One that ends meanwhile leaves its place.
     [[nodiscard]] Outcome start(std::chrono::milliseconds patience = std::chrono::seconds(5));
+    // The program ends: it can come to the front no more. The next start waits for the end of the process.
+    void stopAnswering();
     // "quillpost (process 4711)"
     [[nodiscard]] QString otherProgram() const;
 
@@ -34,7 +37,7 @@ Q_SIGNALS:
 private:
     void listen();
     void answer();
-    [[nodiscard]] bool askOther(std::chrono::milliseconds patience) const;
+    [[nodiscard]] bool askOther(const QDeadlineTimer& deadline) const;
 
     const QString m_settingsPath;
     const QString m_socketPath;

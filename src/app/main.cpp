@@ -72,7 +72,7 @@ int endBehindOther(QtUserDialogs& dialogs, const SingleInstance& instance, Singl
 
 // The program between its start and its end.
 void runUntilQuit(const QuillpostAppDelegate::Environment& environment,
-                  const std::optional<DemoServiceChild::Account>& demo, const SingleInstance& instance)
+                  const std::optional<DemoServiceChild::Account>& demo, SingleInstance& instance)
 {
     QuillpostAppDelegate delegate(environment);
     DesktopWindows windows(delegate);
@@ -91,6 +91,7 @@ void runUntilQuit(const QuillpostAppDelegate::Environment& environment,
     }
     QTimer::singleShot(0, &delegate, [&] { delegate.applicationDidFinishLaunching(); });
     QCoreApplication::exec();
+    instance.stopAnswering();
     windows.hideAll();
     if (delegate.endAllWork())
         return;

@@ -12,9 +12,9 @@ namespace {
 
 void takeObject(const MediaObject& object, ProgressRow& row)
 {
-    row.name = object.name();
+    // Of what only the service knows, all three are the service's own words.
+    row.name = Secrets::masked(object.name());
     row.status = object.status();
-    // On the service, both are the service's own words.
     row.statusText = Secrets::masked(jobStatusText(object));
     row.serverStatus = Secrets::masked(object.serverStatus());
     row.processed = object.processedValue();

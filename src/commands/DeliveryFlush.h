@@ -2,13 +2,14 @@
 
 #include <QString>
 
-#include <chrono>
+#include <optional>
 
 // Brings a delivery to disk, so that a power cut behind it costs no file of it.
 namespace DeliveryFlush {
 
-// Every file below the folder that was made or changed since then, and every folder, the given one included. Blocks for
-// as long as the disk takes. False where some of it could not be flushed.
-bool flush(const QString& folder, std::chrono::system_clock::time_point since);
+// Every file below the folder, and every folder, the given one included: which of them are new the clock, which may be
+// set meanwhile, does not tell. What is on disk already costs next to nothing. Blocks for as long as the disk takes.
+// How many files there were; nothing where some of it could not be flushed.
+[[nodiscard]] std::optional<int> flush(const QString& folder);
 
 } // namespace DeliveryFlush

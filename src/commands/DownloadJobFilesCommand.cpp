@@ -6,6 +6,7 @@
 #include "commands/DownloadFileCommand.h"
 #include "commands/MiscStuffCommand.h"
 #include "commands/RegularDownloadFileCommand.h"
+#include "foundation/AtomicFile.h"
 #include "foundation/DateText.h"
 #include "foundation/Log.h"
 #include "foundation/NumberReading.h"
@@ -126,20 +127,30 @@ void DownloadJobFilesCommand::execute()
         return;
     const QString jobFolderPath = PathText::appendingPathComponent(m_folderPath, DeliveryPath::jobFolder(*jobFolder));
 
-    const auto begin = std::chrono::system_clock::now();
     for (int i = 0; i < numberOfFiles && !isCancelled(); ++i) {
         downloadResultFile(i, names.at(i), jobFolderPath);
         reportProgress(i, numberOfFiles);
     }
     downloadDemoDiscFiles(jobFolderPath);
-    // What the service is told to be delivered it need not keep.
-    if (!isCancelled() && numberOfFiles > 0 && !DeliveryFlush::flush(jobFolderPath, begin))
-        Log::warning("Job {}, not all files in {} could be flushed to disk", depoNum(), jobFolderPath);
+    if (!isCancelled() && numberOfFiles > 0)
+        flushDelivery(jobFolderPath);
     // A delivery cut short by the end of the program is not a delivery.
     if (isCancelled())
         setResult(CURLE_ABORTED_BY_CALLBACK);
     else
         markDelivered(numberOfFiles);
+}
+
+// What the service is told to be delivered it need not keep.
+void DownloadJobFilesCommand::flushDelivery(const QString& jobFolderPath) const
+{
+    if (!DeliveryFlush::flush(jobFolderPath))
+        Log::warning("Job {}, not all files in {} could be flushed to disk", depoNum(), jobFolderPath);
+    // The folders above hold the new one's name.
+    for (QString folder = jobFolderPath; folder.size() > m_folderPath.size();) {
+        folder = QFileInfo(folder).path();
+        AtomicFile::flush(folder);
+    }
 }
 
 std::optional<QStringList> DownloadJobFilesCommand::listResultFiles()

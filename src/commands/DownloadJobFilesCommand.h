@@ -51,6 +51,7 @@ private:
     void downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath);
     void unzip(const QString& archivePath);
     void downloadDemoDiscFiles(const QString& jobFolderPath);
+    void flushDelivery(const QString& jobFolderPath) const;
     void markDelivered(int numberOfFiles);
     void reportProgress(int done, int total);
     std::optional<QString> askJobFact(const QString& extraFormData);

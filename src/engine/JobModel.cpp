@@ -144,6 +144,7 @@ void JobModel::removeJobsObject(const JobPointer& job)
     if (m_isDepoIndexInUse)
         removeFromDepoIndex(removed);
     m_stoppedWork.erase(removed);
+    m_jobsOfFileBefore.erase(removed);
     Q_EMIT jobRemoved(removed);
 }
 
@@ -254,6 +255,14 @@ void JobModel::post(const std::shared_ptr<CUrlCommand>& command)
     command->setObserver(this);
     if (m_curlCommandProcessor && !m_isEnding)
         m_curlCommandProcessor->postCommand(command);
+}
+
+void JobModel::postWhenSaved(const std::shared_ptr<CUrlCommand>& command)
+{
+    if (m_stateKeeper)
+        m_stateKeeper->whenSaved([this, command] { post(command); });
+    else
+        post(command);
 }
 
 void JobModel::presentError(const QString& description)

@@ -2,6 +2,7 @@
 
 #include "commands/CUrlCommandResultObserver.h"
 #include "engine/CountingGate.h"
+#include "engine/SavedState.h"
 #include "engine/StoppedWork.h"
 #include "engine/UploadGate.h"
 #include "foundation/ApplicationServices.h"
@@ -126,10 +127,12 @@ public:
     [[nodiscard]] bool isUploadGateBlocked() const { return m_uploadGate.isBlocked(); }
 
     // --- Trying again ---
-    // Of the job something stopped (see jobStopped), and nobody has tried it again since.
+    // Of the job something stopped (see jobStopped), or it was delivered with problems, and nobody has tried it again
+    // since.
     [[nodiscard]] bool canRetryJob(const JobPointer& job) const;
     // What stopped goes back to its last settled status, as when a saved job is read back, and on from there; the rest
-    // of the job is left alone. An upload place that it kept is free again. False when there was nothing to try.
+    // of the job is left alone. An upload place that it kept is free again. A delivery is fetched anew, every file of
+    // it. False when there was nothing to try.
     bool retryJob(const JobPointer& job);
 
     // --- Persistence ---
@@ -234,6 +237,8 @@ private:
     void threadSignalForUploadCondition() { m_uploadGate.signal(); }
     void runExtractor(const MediaFilePointer& mediaFile, const std::function<void(AudioExtractor&)>& work);
     void uploadMediaFileThreadProc(const JobPointer& job, const MediaFilePointer& mediaFile);
+    // Returns what the user is to be told.
+    std::vector<Error> putDamagedAside(const QString& path, const SavedState::Contents& saved);
     void continueInterruptedWork(const JobPointer& job);
     void restartSettledFiles(const JobPointer& job);
     void indexJobs();
@@ -247,10 +252,13 @@ private:
     // Dropped when the engine has ended before the main thread comes to it.
     void postToMainThread(std::function<void()> work);
     void post(const std::shared_ptr<CUrlCommand>& command);
+    // The same, when what the jobs say now is on disk.
+    void postWhenSaved(const std::shared_ptr<CUrlCommand>& command);
     void presentError(const QString& description);
     void presentErrorAndStop(const JobPointer& job, const QString& description);
     void presentUploadError(const JobPointer& job, const std::shared_ptr<MediaObject>& uploadedObject,
                             const QString& response);
+    [[nodiscard]] StoppedWork& stoppedWorkOf(const JobPointer& job);
     void fileStopped(const JobPointer& job, const MediaFilePointer& mediaFile, bool holdsUploadPlace);
     // A file that stopped is under way again without the user's doing: the service asked for it once more.
     void fileGoesOn(const JobPointer& job, const MediaFilePointer& mediaFile);
@@ -279,6 +287,9 @@ private:
     std::unordered_map<int, JobPointer> m_depoIndex;
     bool m_isDepoIndexInUse = false;
     std::unordered_map<JobPointer, StoppedWork> m_stoppedWork;
+    StoppedWork m_droppedWork; // of jobs that are in the list no more
+    // Read from the file before the newest: the service may be further with them than they say.
+    std::unordered_set<JobPointer> m_jobsOfFileBefore;
 
     std::atomic<double> m_finderSleepInterval{0.5};
     std::atomic<bool> m_doFindAndProcessJobs{false};

@@ -77,11 +77,14 @@ void JobModel::downloadJob(const JobPointer& job)
 {
     job->setTotalValue(100);
     job->setProcessedValue(0);
-    post(DownloadJobFilesCommand::downloadJobFilesCommandWithUser(m_hosts, username(), password(), job,
-                                                                  m_deliveryFolder));
+    const auto command = DownloadJobFilesCommand::downloadJobFilesCommandWithUser(m_hosts, username(), password(), job,
+                                                                                  m_deliveryFolder);
     job->setStatus(JobStatusDownloading);
     for (const MediaFilePointer& mediaFile : job->mediaFiles())
         mediaFile->setStatus(JobStatusCompleted);
+    // Once it is told of the delivery the service calls the job done: a run after a crash has to know that this one was
+    // at it.
+    postWhenSaved(command);
 }
 
 void JobModel::processJobDownloadJobResponse(const JobPointer& job, const QString& response)
@@ -90,7 +93,7 @@ void JobModel::processJobDownloadJobResponse(const JobPointer& job, const QStrin
     if (response.isEmpty()) {
         job->setStatus(JobStatusCompleted);
     } else {
-        m_stoppedWork[job].isDownload = true;
+        stoppedWorkOf(job).isDownload = true;
         presentErrorAndStop(job, Text::format("Possible error with job({}) downloading, response({})", depoNum(*job),
                                               ShownText::of(response)));
     }
@@ -128,8 +131,10 @@ void JobModel::curlCommandDone(CUrlCommand& command)
     } else if (dynamic_cast<GetInstructionsCommand*>(&command)) {
         processGetInstructionsResponse(text);
     } else if (auto* const download = dynamic_cast<DownloadJobFilesCommand*>(&command)) {
-        if (!download->problems().isEmpty())
+        if (!download->problems().isEmpty()) {
+            stoppedWorkOf(download->job()).isDownload = true;
             Q_EMIT deliveryHadProblems(download->job(), download->problems());
+        }
         processJobDownloadJobResponse(download->job(), text);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "engine/JobModel.h"
 #include "engine/Mp3Location.h"
+#include "foundation/AtomicFile.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
@@ -183,6 +184,9 @@ void JobModel::convertToMP3ThreadProc(const JobPointer& job, const MediaFilePoin
         extractor.convertToMp3(mp3Path);
     });
     threadSignalForFfmpegProcessesCondition();
+    // The saved jobs, which are flushed too, must not call done what a power cut can take away.
+    AtomicFile::flush(mp3Path);
+    AtomicFile::flush(QFileInfo(mp3Path).path());
     // Dropped while the engine ends: half an MP3 must not go on, the file stays where it is converted again.
     postToMainThread([this, job, mediaFile] { conversionToMp3Finished(job, mediaFile); });
 }

@@ -24,6 +24,8 @@ std::optional<Error> JobModel::saveState(const QString& folder)
     auto error = SavedState::write(path, jobs());
     if (error)
         Log::error("Unable to save the jobs: {}", error->localizedDescription);
+    if (m_stateKeeper && m_stateKeeper->path() == path)
+        m_stateKeeper->goOn();
     if (wasProcessing)
         startJobProcessing();
     return error;
@@ -31,7 +33,12 @@ std::optional<Error> JobModel::saveState(const QString& folder)
 
 void JobModel::keepState(const QString& folder)
 {
-    m_stateKeeper = std::make_unique<StateKeeper>(*this, stateFilePath(folder));
+    const QString path = stateFilePath(folder);
+    if (m_stateKeeper && m_stateKeeper->path() == path)
+        return;
+    if (m_stateKeeper)
+        m_stateKeeper->finish(); // Somebody may wait for it.
+    m_stateKeeper = std::make_unique<StateKeeper>(*this, path);
     connect(m_stateKeeper.get(), &StateKeeper::writingFailed, this,
             [this](const Error& error) { m_services.presentError(error); });
 }
@@ -43,19 +50,39 @@ void JobModel::loadState(const QString& folder)
     const bool wasProcessing = m_doFindAndProcessJobs;
     stopJobProcessing();
     const std::vector<JobPointer> jobsBefore = jobs();
-    const SavedState::Contents saved = SavedState::readLastGood(stateFilePath(folder));
-    if (saved.problem)
-        m_services.presentError(SavedState::keepAside(stateFilePath(folder), *saved.problem));
+    const QString path = stateFilePath(folder);
+    const SavedState::Contents saved = SavedState::readLastGood(path);
     for (const JobPointer& job : saved.jobs)
         addJobsObject(job);
+    for (const JobPointer& job : saved.fromPrevious)
+        m_jobsOfFileBefore.insert(job);
     for (const JobPointer& job : saved.submittedPerhaps)
         tellOfPerhapsSubmittedJob(job);
+    const auto problems = putDamagedAside(path, saved);
     for (const JobPointer& job : saved.jobs)
         continueInterruptedWork(job);
     for (const JobPointer& job : jobsBefore)
         restartSettledFiles(job);
     if (wasProcessing)
         startJobProcessing();
+    // Last: the user may take hours to read it.
+    for (const Error& problem : problems)
+        m_services.presentError(problem);
+}
+
+std::vector<Error> JobModel::putDamagedAside(const QString& path, const SavedState::Contents& saved)
+{
+    std::vector<Error> problems;
+    if (saved.problem)
+        problems.push_back(SavedState::keepAside(path, *saved.problem));
+    if (saved.problemOfPrevious)
+        problems.push_back(SavedState::keepAside(SavedState::previousPath(path), *saved.problemOfPrevious));
+    if (problems.empty())
+        return problems;
+    // What could be read has a file again before anything else is done with it.
+    if (const auto error = SavedState::write(path, jobs()))
+        Log::error("Unable to save the jobs: {}", error->localizedDescription);
+    return problems;
 }
 
 void JobModel::continueInterruptedWork(const JobPointer& job)

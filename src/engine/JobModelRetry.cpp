@@ -11,6 +11,8 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
+
 namespace {
 
 // Every other failure may have come after the request was read.
@@ -27,11 +29,25 @@ bool wasNothingSent(const CUrlCommand& command)
     }
 }
 
+// The service may have got it, and gone on: the reply alone was lost.
+bool isTranscriptMissing(const Job& job, const StoppedWork& stopped)
+{
+    return stopped.isTranscript && !job.transcriptUploaded() && job.status() < JobStatusReadyForDownload;
+}
+
 } // namespace
+
+StoppedWork& JobModel::stoppedWorkOf(const JobPointer& job)
+{
+    if (m_jobSet.contains(job.get()))
+        return m_stoppedWork[job];
+    m_droppedWork = {}; // Of a job that left the list meanwhile nothing is kept.
+    return m_droppedWork;
+}
 
 void JobModel::fileStopped(const JobPointer& job, const MediaFilePointer& mediaFile, bool holdsUploadPlace)
 {
-    m_stoppedWork[job].files.push_back({mediaFile, holdsUploadPlace});
+    stoppedWorkOf(job).files.push_back({mediaFile, holdsUploadPlace});
 }
 
 void JobModel::fileGoesOn(const JobPointer& job, const MediaFilePointer& mediaFile)
@@ -47,7 +63,7 @@ void JobModel::fileGoesOn(const JobPointer& job, const MediaFilePointer& mediaFi
 JobModel::JobPointer JobModel::jobStoppedByFailureOf(const CUrlCommand& command)
 {
     if (const auto* const submit = dynamic_cast<const SubmitJobDetailsCommand*>(&command)) {
-        StoppedWork& stopped = m_stoppedWork[submit->job()];
+        StoppedWork& stopped = stoppedWorkOf(submit->job());
         stopped.isSubmission = true;
         stopped.mayBeSubmitted = !wasNothingSent(command);
         return submit->job();
@@ -60,11 +76,11 @@ JobModel::JobPointer JobModel::jobStoppedByFailureOf(const CUrlCommand& command)
         if (const auto mediaFile = std::dynamic_pointer_cast<MediaFile>(upload->uploadedObject()))
             fileStopped(upload->job(), mediaFile, true);
         else
-            m_stoppedWork[upload->job()].isTranscript = true;
+            stoppedWorkOf(upload->job()).isTranscript = true;
         return upload->job();
     }
     if (const auto* const download = dynamic_cast<const DownloadJobFilesCommand*>(&command)) {
-        m_stoppedWork[download->job()].isDownload = true;
+        stoppedWorkOf(download->job()).isDownload = true;
         return download->job();
     }
     return nullptr;
@@ -72,14 +88,21 @@ JobModel::JobPointer JobModel::jobStoppedByFailureOf(const CUrlCommand& command)
 
 bool JobModel::canRetryJob(const JobPointer& job) const
 {
-    return m_stoppedWork.contains(job);
+    const auto found = m_stoppedWork.find(job);
+    if (found == m_stoppedWork.end())
+        return false;
+    const StoppedWork& stopped = found->second;
+    return (stopped.isSubmission && job->status() <= JobStatusSubmittingDetails) ||
+           isTranscriptMissing(*job, stopped) || (stopped.isDownload && job->status() >= JobStatusDownloading) ||
+           std::any_of(stopped.files.begin(), stopped.files.end(),
+                       [](const StoppedWork::File& file) { return file.mediaFile->status() < JobStatusUploaded; });
 }
 
 bool JobModel::retryJob(const JobPointer& job)
 {
-    const auto found = m_stoppedWork.find(job);
-    if (found == m_stoppedWork.end() || m_isEnding)
+    if (m_isEnding || !canRetryJob(job))
         return false;
+    const auto found = m_stoppedWork.find(job);
     const StoppedWork stopped = std::move(found->second);
     m_stoppedWork.erase(found);
     Log::info("Job = {}, {} is tried again", NumberReading::valueOrZero(job->depoNum()), job->name());
@@ -87,13 +110,11 @@ bool JobModel::retryJob(const JobPointer& job)
         retrySubmission(job, stopped.mayBeSubmitted);
     for (const StoppedWork::File& file : stopped.files)
         retryFile(job, file);
-    if (stopped.isTranscript && !job->transcriptUploaded())
+    if (isTranscriptMissing(*job, stopped))
         uploadTranscript(job);
-    if (stopped.isDownload && job->status() == JobStatusDownloading) {
-        // The next status reply finds it ready again.
-        job->setStatus(settledJobStatus(JobStatusDownloading));
-        checkJobsStatusOnServer();
-    }
+    // At once: of a job that was delivered with problems no status reply says any more that it is to be fetched.
+    if (stopped.isDownload && job->status() >= JobStatusDownloading)
+        downloadJob(job);
     Q_EMIT jobRetried(job);
     return true;
 }
@@ -116,6 +137,9 @@ void JobModel::retryFile(const JobPointer& job, const StoppedWork::File& file)
     file.mediaFile->setStatus(settledJobStatus(file.mediaFile->status()));
     switch (InterruptedWork::nextStepOf(*file.mediaFile)) {
     case InterruptedWork::NextStep::Conversion:
+        // By this status the conversion knows that the service said how many channels it wants.
+        if (job->status() == JobStatusReprocessing)
+            file.mediaFile->setStatus(JobStatusReprocessing);
         startConversion(job, file.mediaFile);
         break;
     case InterruptedWork::NextStep::Upload:

@@ -80,7 +80,9 @@ void JobModel::processStatusForDepoNum(int depoNum, const QString& transcriptNam
     }
     if (job->status() != JobStatusOnServer)
         return;
-    if (status == u"Joined")
+    // A job of the file before may have been delivered since it was written, to files that nobody knows of now.
+    const bool isPerhapsDelivered = status == u"Done" && m_jobsOfFileBefore.contains(job);
+    if (status == u"Joined" || isPerhapsDelivered)
         job->setStatus(JobStatusReadyForDownload);
     else if (equalsIgnoringCase(status, u"VOID"))
         removeJobsObject(job);

@@ -15,6 +15,7 @@
 #include "foundation/Text.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -30,6 +31,13 @@ QString submissionError(const Job& job, const QString& response)
     return Text::format("Possible error with job({}) submission, response({})", depoNum(job), ShownText::of(response));
 }
 
+// Two zeros, and nothing that may be half of something else.
+bool isRefusal(const QString& response)
+{
+    static const QRegularExpression zeros(QStringLiteral("^0+ 0+\\s*$"));
+    return zeros.match(response).hasMatch();
+}
+
 } // namespace
 
 void JobModel::submitJobDetails(const JobPointer& job)
@@ -39,10 +47,7 @@ void JobModel::submitJobDetails(const JobPointer& job)
         mediaFile->setStatus(JobStatusSubmittingDetails);
     // The saved jobs tell of a submission before it leaves: a run after a crash knows that the service may hold the
     // job.
-    if (m_stateKeeper)
-        m_stateKeeper->whenSaved([this, command] { post(command); });
-    else
-        post(command);
+    postWhenSaved(command);
 }
 
 void JobModel::processJobSubmitJobDetailsResponse(const JobPointer& job, const QString& response)
@@ -60,9 +65,9 @@ void JobModel::processJobSubmitJobDetailsResponse(const JobPointer& job, const Q
         if (m_stateKeeper)
             m_stateKeeper->whenSaved([] {});
     } else {
-        StoppedWork& stopped = m_stoppedWork[job];
+        StoppedWork& stopped = stoppedWorkOf(job);
         stopped.isSubmission = true;
-        stopped.mayBeSubmitted = response.isEmpty();
+        stopped.mayBeSubmitted = !isRefusal(response);
         presentErrorAndStop(job, submissionError(*job, response));
     }
     Log::info("Job status after submitting details: {}", job->status());
@@ -155,7 +160,7 @@ void JobModel::uploadTranscript(const JobPointer& job)
         m_hosts, username(), password(), job, job->transcriptFile(), transcriptDestFileNameForJob(*job));
     job->stopAccessingBookmarkedURL();
     if (!command) {
-        m_stoppedWork[job].isTranscript = true;
+        stoppedWorkOf(job).isTranscript = true;
         Q_EMIT jobStopped(job, Text::format("The transcript {} cannot be read", job->transcriptFile()));
         return;
     }
@@ -213,7 +218,7 @@ void JobModel::presentUploadError(const JobPointer& job, const std::shared_ptr<M
     if (mediaFile)
         fileStopped(job, mediaFile, false);
     else
-        m_stoppedWork[job].isTranscript = true;
+        stoppedWorkOf(job).isTranscript = true;
     presentErrorAndStop(job, Text::format("Possible file( {} ) uploading error for job({}), server resonse( {} )",
                                           mediaFile ? mediaFile->mp3FilePath() : job->transcriptFile(), depoNum(*job),
                                           ShownText::of(response)));

@@ -4,20 +4,23 @@
 #include "foundation/Log.h"
 #include "foundation/NumberReading.h"
 #include "foundation/PathText.h"
+#include "foundation/PrivateFolder.h"
 #include "foundation/Text.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int stateFileVersion = 1;
+constexpr int mostKeptAtOneTime = 1000;
 
 // A user name is the user's choice and may hold what a file name cannot.
 QString asFileNamePart(const QString& username)
@@ -34,15 +37,32 @@ void keepPrevious(const QString& path)
     const QByteArray previous = QFile::encodeName(SavedState::previousPath(path));
     const QByteArray beside = previous + ".new";
     ::unlink(beside.constData());
-    if (::link(file.constData(), beside.constData()) == 0)
+    if (::linkat(AT_FDCWD, file.constData(), AT_FDCWD, beside.constData(), AT_SYMLINK_FOLLOW) == 0)
         ::rename(beside.constData(), previous.constData());
 }
 
-// Sent, and nothing known of what came back.
+// Sent, and no number known that came back.
 bool isSubmittedPerhaps(const QJsonObject& archive)
 {
     return archive.value(QStringLiteral("status")).toInt() == JobStatusSubmittingDetails &&
-           archive.value(QStringLiteral("depoNum")).toInt() == 0;
+           (archive.value(QStringLiteral("orderNum")).toInt() == 0 ||
+            archive.value(QStringLiteral("depoNum")).toInt() == 0);
+}
+
+// Nothing for one that lacks a recording too: it would be ordered without.
+std::shared_ptr<Job> jobOf(const QJsonObject& archive)
+{
+    auto job = Job::decode(archive);
+    const QJsonValue files = archive.value(QStringLiteral("mediaFiles"));
+    return job && files.isArray() && files.toArray().size() == job->mediaFiles().size() ? job : nullptr;
+}
+
+// Two files' archives of one job; it may have been numbered between them.
+bool areOfOneJob(const Job& one, const Job& other)
+{
+    const int number = NumberReading::valueOrZero(one.depoNum());
+    const int otherNumber = NumberReading::valueOrZero(other.depoNum());
+    return one.transcriptFile() == other.transcriptFile() && (number == otherNumber || number == 0 || otherNumber == 0);
 }
 
 } // namespace
@@ -78,7 +98,7 @@ std::optional<Error> SavedState::write(const QString& path, const std::vector<st
 std::optional<Error> SavedState::writeArchives(const QString& path, const QJsonArray& archives)
 {
     const QJsonObject state{{QStringLiteral("version"), stateFileVersion}, {QStringLiteral("jobs"), archives}};
-    QDir().mkpath(QFileInfo(path).path());
+    PrivateFolder::make(QFileInfo(path).path());
     keepPrevious(path);
     return AtomicFile::write(path, QJsonDocument(state).toJson());
 }
@@ -99,7 +119,7 @@ SavedState::Contents SavedState::read(const QString& path)
         return {.problem = QStringLiteral("it is of another version of this program")};
     Contents contents;
     for (const QJsonValue& archive : state.value(QStringLiteral("jobs")).toArray()) {
-        const auto job = Job::decode(archive.toObject());
+        const auto job = jobOf(archive.toObject());
         if (!job) {
             contents.problem = QStringLiteral("a job in it is damaged");
             continue;
@@ -117,24 +137,39 @@ SavedState::Contents SavedState::readLastGood(const QString& path)
     // A file is missing too where a run ended just after it had put a damaged one aside.
     if (!contents.problem && QFileInfo::exists(path))
         return contents;
-    Contents previous = read(previousPath(path));
-    if (previous.jobs.size() <= contents.jobs.size())
-        return contents;
-    Log::warning("The jobs are taken from the file saved before, {}", previousPath(path));
-    previous.problem = contents.problem;
-    // What was submitted since then is not known.
-    previous.submittedPerhaps.clear();
-    for (const auto& job : previous.jobs)
-        if (NumberReading::valueOrZero(job->depoNum()) == 0)
-            previous.submittedPerhaps.push_back(job);
-    return previous;
+    const Contents previous = read(previousPath(path));
+    contents.problemOfPrevious = previous.problem;
+    const auto known = contents.jobs;
+    for (const auto& job : previous.jobs) {
+        if (std::any_of(known.begin(), known.end(), [&](const auto& one) { return areOfOneJob(*one, *job); }))
+            continue;
+        contents.jobs.push_back(job);
+        contents.fromPrevious.push_back(job);
+        // What was submitted since then is not known.
+        if (job->status() <= JobStatusSubmittingDetails)
+            contents.submittedPerhaps.push_back(job);
+    }
+    if (!contents.fromPrevious.empty())
+        Log::warning("{} jobs are taken from the file saved before, {}", contents.fromPrevious.size(),
+                     previousPath(path));
+    return contents;
 }
 
-Error SavedState::keepAside(const QString& path, const QString& problem)
+Error SavedState::keepAside(const QString& path, const QString& problem, const QDateTime& now)
 {
-    const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss.zzz"));
-    const QString aside = path + QStringLiteral(".unreadable ") + time;
-    const bool isKept = QFile::rename(path, aside);
+    const QString atThatTime = path + QStringLiteral(".unreadable ") + now.toString(u"yyyy-MM-dd HH-mm-ss.zzz");
+    QString aside = atThatTime;
+    // A rename never replaces. The clock may stand still or be set back, so that the name is taken.
+    bool isKept = QFile::rename(path, aside);
+    for (int number = 2; !isKept && QFileInfo::exists(aside) && number <= mostKeptAtOneTime; ++number) {
+        aside = Text::format("{} ({})", atThatTime, number);
+        isKept = QFile::rename(path, aside);
+    }
+    // A long user name leaves no room for the time.
+    for (int number = 1; !isKept && QFileInfo::exists(path) && number <= mostKeptAtOneTime; ++number) {
+        aside = PathText::appendingPathComponent(QFileInfo(path).path(), Text::format("State.unreadable {}", number));
+        isKept = QFile::rename(path, aside);
+    }
     const QString words =
         Text::format("The saved jobs in {} cannot be read ({}). {} {}.", path, problem,
                      isKept ? QStringLiteral("The file is kept as") : QStringLiteral("It cannot be renamed to"), aside);

@@ -3,6 +3,7 @@
 #include "foundation/Error.h"
 #include "model/Job.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QString>
 
@@ -32,16 +33,21 @@ struct Contents
     std::vector<std::shared_ptr<Job>> jobs = {}; // as they go on
     // Those whose submission got no reply that was saved: the service may hold them already.
     std::vector<std::shared_ptr<Job>> submittedPerhaps = {};
+    // Those that the newest file does not tell of.
+    std::vector<std::shared_ptr<Job>> fromPrevious = {};
     // Why some or all of the file could not be read. Such a file must not be written over: see keepAside().
     std::optional<QString> problem = std::nullopt;
+    std::optional<QString> problemOfPrevious = std::nullopt; // the same of the file before
 };
 
 // A missing file holds no jobs.
 [[nodiscard]] Contents read(const QString& path);
-// Of the file and the one before it, the jobs of that which holds more of them; the file's own problem.
+// Where some or all of the file cannot be read, or it is missing, with those jobs of the file before it that it lacks.
 [[nodiscard]] Contents readLastGood(const QString& path);
 
-// Renames a file that could not be read to a name that nothing writes to, logs it, and returns the words for the user.
-[[nodiscard]] Error keepAside(const QString& path, const QString& problem);
+// Renames a file that could not be read to a name that nothing writes to, not even a later call at the same time of the
+// clock; logs it, and returns the words for the user.
+[[nodiscard]] Error keepAside(const QString& path, const QString& problem,
+                              const QDateTime& now = QDateTime::currentDateTime());
 
 } // namespace SavedState

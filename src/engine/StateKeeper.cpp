@@ -19,18 +19,12 @@ constexpr auto retryTime = std::chrono::seconds(5);
 StateKeeper::StateKeeper(JobModel& model, QString path) : m_model(model), m_path(std::move(path))
 {
     m_changes->keeper = this;
-    m_gathering.setSingleShot(true);
-    connect(&m_gathering, &QTimer::timeout, this, &StateKeeper::takePicture);
-    connect(&model, &JobModel::jobAdded, this, [this](const std::shared_ptr<Job>& job) {
-        follow(job);
-        m_isSetChanged = true;
-        arm();
-    });
-    connect(&model, &JobModel::jobRemoved, this, [this](const std::shared_ptr<Job>& job) {
-        unfollow(job.get());
-        m_isSetChanged = true;
-        arm();
-    });
+    for (QTimer* const timer : {&m_gathering, &m_retry}) {
+        timer->setSingleShot(true);
+        connect(timer, &QTimer::timeout, this, &StateKeeper::takePicture);
+    }
+    connect(&model, &JobModel::jobAdded, this, &StateKeeper::follow);
+    connect(&model, &JobModel::jobRemoved, this, [this](const std::shared_ptr<Job>& job) { unfollow(job.get()); });
     for (const auto& job : model.jobs())
         follow(job);
     m_threads.start("state keeper", [this] { writeThreadProc(); });
@@ -56,8 +50,22 @@ StateKeeper::~StateKeeper()
 void StateKeeper::settle()
 {
     m_gathering.stop();
+    m_retry.stop();
     std::unique_lock lock(m_mutex);
     m_idle.wait(lock, [this] { return !m_picture && !m_isWriting; });
+}
+
+void StateKeeper::goOn()
+{
+    m_mustWrite = true;
+    arm();
+}
+
+void StateKeeper::finish()
+{
+    takePicture();
+    settle();
+    callWaiting(m_lastTaken);
 }
 
 // Following
@@ -82,6 +90,7 @@ void StateKeeper::unfollow(const Job* job)
     for (const auto& connection : found->second.connections)
         disconnect(connection);
     m_followed.erase(found);
+    arm();
 }
 
 void StateKeeper::Changes::note(const std::shared_ptr<Changes>& changes, const Job* job)
@@ -110,7 +119,7 @@ void StateKeeper::arm()
 
 // Writing
 
-bool StateKeeper::encodeChanged()
+void StateKeeper::encodeChanged()
 {
     std::unordered_set<const Job*> changed;
     {
@@ -118,32 +127,30 @@ bool StateKeeper::encodeChanged()
         changed.swap(m_changes->jobs);
         m_changes->isTold = false;
     }
-    bool differs = std::exchange(m_isSetChanged, false);
     for (const Job* const job : changed) {
         const auto followed = m_followed.find(job);
         if (followed == m_followed.end())
             continue;
-        std::optional<QJsonObject> archive;
+        followed->second.archive.reset();
         if (SavedState::isKept(*job))
-            archive = job->encode();
-        if (archive == followed->second.archive)
-            continue;
-        followed->second.archive = std::move(archive);
-        differs = true;
+            followed->second.archive = job->encode();
     }
-    return differs;
 }
 
 void StateKeeper::takePicture()
 {
-    // Progress is a change of a row, but none of what is kept.
-    if (!encodeChanged() && !m_hasFailed)
-        return;
+    m_gathering.stop();
+    encodeChanged();
     QJsonArray archives;
     for (const auto& job : m_model.jobs()) {
         if (const auto followed = m_followed.find(job.get()); followed != m_followed.end() && followed->second.archive)
             archives.append(*followed->second.archive);
     }
+    // Progress is a change of a row, but none of what is kept.
+    if (archives == m_lastPicture && !m_mustWrite && !m_hasFailed)
+        return;
+    m_mustWrite = false;
+    m_lastPicture = archives;
     m_sinceLastPicture.start();
     {
         const std::scoped_lock lock(m_mutex);
@@ -182,20 +189,25 @@ void StateKeeper::whenSaved(std::function<void()> then)
         m_waiting.emplace_back(m_lastTaken, std::move(then));
 }
 
-void StateKeeper::written(std::uint64_t number, const std::optional<Error>& error)
+void StateKeeper::callWaiting(std::uint64_t number)
 {
-    m_lastWritten = number;
     while (!m_waiting.empty() && m_waiting.front().first <= number) {
         const auto then = std::move(m_waiting.front().second);
         m_waiting.pop_front();
         then();
     }
+}
+
+void StateKeeper::written(std::uint64_t number, const std::optional<Error>& error)
+{
+    m_lastWritten = number;
     const bool failedBefore = std::exchange(m_hasFailed, error.has_value());
-    if (!error)
-        return;
-    m_gathering.start(retryTime);
-    if (failedBefore)
-        return;
-    Log::error("Unable to save the jobs: {}", error->localizedDescription);
-    Q_EMIT writingFailed(*error);
+    if (error) {
+        m_retry.start(retryTime);
+        if (!failedBefore) {
+            Log::error("Unable to save the jobs: {}", error->localizedDescription);
+            Q_EMIT writingFailed(*error);
+        }
+    }
+    callWaiting(number);
 }

@@ -39,8 +39,13 @@ public:
     StateKeeper& operator=(const StateKeeper&) = delete;
 
     [[nodiscard]] const QString& path() const { return m_path; }
-    // Nothing that was seen before is written after this has returned: for somebody who writes the file himself.
+    // Nothing that was seen before is written after this has returned: for somebody who writes the file himself, and
+    // calls goOn() then.
     void settle();
+    void goOn();
+    // Everything as it is now is on disk, or could not be brought there, when this has returned, and who waited for
+    // that is called.
+    void finish();
     // Calls back, on the main thread, as soon as the jobs as they are now are on disk, or cannot be brought there. At
     // once when they are; never once this object is gone.
     void whenSaved(std::function<void()> then);
@@ -70,7 +75,8 @@ private:
     void unfollow(const Job* job);
     void arm();
     void takePicture();
-    [[nodiscard]] bool encodeChanged();
+    void encodeChanged();
+    void callWaiting(std::uint64_t number);
     void writeThreadProc();
     void written(std::uint64_t number, const std::optional<Error>& error);
 
@@ -78,9 +84,11 @@ private:
     const QString m_path;
     const std::shared_ptr<Changes> m_changes = std::make_shared<Changes>();
     std::unordered_map<const Job*, Followed> m_followed;
-    bool m_isSetChanged = false;
+    bool m_mustWrite = false; // the file may differ from the last picture
     bool m_hasFailed = false;
+    QJsonArray m_lastPicture;
     QTimer m_gathering;
+    QTimer m_retry;
     QElapsedTimer m_sinceLastPicture;
     std::uint64_t m_lastTaken = 0; // the pictures' numbers
     std::uint64_t m_lastWritten = 0;

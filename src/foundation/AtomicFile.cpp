@@ -22,11 +22,16 @@ std::optional<Error> AtomicFile::write(const QString& path, const QByteArray& co
         return Error{ErrorDomain::Platform, static_cast<int>(file.error()),
                      Text::format("{}: {}", path, file.errorString())};
 
-    const int folder =
-        ::open(QFile::encodeName(QFileInfo(path).absolutePath()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder >= 0) {
-        ::fsync(folder);
-        ::close(folder);
-    }
+    flush(QFileInfo(path).absolutePath());
     return std::nullopt;
+}
+
+bool AtomicFile::flush(const QString& path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool isFlushed = ::fsync(descriptor) == 0;
+    ::close(descriptor);
+    return isFlushed;
 }

@@ -14,4 +14,7 @@ namespace AtomicFile {
 // Returns what went wrong; the old file is then as it was.
 [[nodiscard]] std::optional<Error> write(const QString& path, const QByteArray& contents);
 
+// Brings to disk what others wrote to a file or a folder. Blocks for as long as the disk takes.
+bool flush(const QString& path);
+
 } // namespace AtomicFile

@@ -61,3 +61,15 @@ TEST_F(PresentedErrors, aJobThatStopsWithoutAnErrorIsListedAndOneThatHadOneIsNot
     Q_EMIT app().jobModel().jobStopped(job, QStringLiteral("refused"));
     EXPECT_EQ(list.errorList().size(), 2);
 }
+
+TEST_F(PresentedErrors, whatADeliveryLacksIsListedAsOneError)
+{
+    makeLoggedIn();
+    const auto job = addUnfinishedJob();
+    Q_EMIT app().jobModel().deliveryHadProblems(job, {QStringLiteral("a.cms came empty"), QStringLiteral("no list")});
+    const auto& list = app().syncErrorList();
+    ASSERT_EQ(list.errorList().size(), 1);
+    EXPECT_EQ(list.errorList().last().domain, ErrorDomain::SyncBase);
+    EXPECT_EQ(list.errorList().last().localizedDescription,
+              QStringLiteral("a.txt was delivered, but: a.cms came empty; no list"));
+}

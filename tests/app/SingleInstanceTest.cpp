@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 
 #include <future>
+#include <memory>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -83,6 +84,20 @@ TEST_F(SingleInstanceTest, TheNextStartAfterTheEndIsTheFirstAgain)
         ASSERT_EQ(first.start(), Outcome::First);
     }
     EXPECT_EQ(SingleInstance(settings).start(), Outcome::First);
+}
+
+TEST_F(SingleInstanceTest, AStartWhileTheOtherEndsWaitsAndIsTheFirst)
+{
+    auto first = std::make_unique<SingleInstance>(settings);
+    QSignalSpy wanted(first.get(), &SingleInstance::wanted);
+    ASSERT_EQ(first->start(), Outcome::First);
+    first->stopAnswering();
+    auto outcome = std::async(std::launch::async, [this] { return SingleInstance(settings).start(); });
+    EXPECT_FALSE(Waiting::until([&] { return outcome.wait_for(std::chrono::seconds(0)) == std::future_status::ready; },
+                                std::chrono::milliseconds(200)));
+    first.reset();
+    EXPECT_EQ(outcome.get(), Outcome::First);
+    EXPECT_TRUE(wanted.isEmpty());
 }
 
 TEST_F(SingleInstanceTest, WhatACrashLeavesBehindIsInNobodysWay)

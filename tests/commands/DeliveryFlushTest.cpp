@@ -2,6 +2,7 @@
 
 #include "support/TemporaryHome.h"
 
+#include <QDateTime>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -9,28 +10,28 @@ using namespace Qt::StringLiterals;
 namespace {
 
 class DeliveryFlushTest : public TemporaryHome
-{
-protected:
-    const std::chrono::system_clock::time_point begin = std::chrono::system_clock::now();
-};
+{};
 
 } // namespace
 
-TEST_F(DeliveryFlushTest, FlushesFilesInFoldersInFolders)
+TEST_F(DeliveryFlushTest, FlushesEveryFileInFoldersInFoldersWhateverItsDate)
 {
     writeFile(u"job/Korvane/data/sync.txt"_s, "text");
-    writeFile(u"job/a.log"_s, "text");
-    EXPECT_TRUE(DeliveryFlush::flush(path(u"job"_s), begin));
+    writeFile(u"job/.hidden"_s, "text");
+    QFile old(writeFile(u"job/a.log"_s, "text"));
+    ASSERT_TRUE(old.open(QIODevice::ReadWrite));
+    EXPECT_TRUE(old.setFileTime(QDateTime(QDate(1999, 1, 1), QTime(0, 0)), QFileDevice::FileModificationTime));
+    EXPECT_EQ(DeliveryFlush::flush(path(u"job"_s)), 3);
 }
 
 TEST_F(DeliveryFlushTest, LeavesLinksAlone)
 {
     writeFile(u"job/a.txt"_s, "text");
     EXPECT_TRUE(QFile::link(path(u"nowhere"_s), path(u"job/link"_s)));
-    EXPECT_TRUE(DeliveryFlush::flush(path(u"job"_s), begin));
+    EXPECT_EQ(DeliveryFlush::flush(path(u"job"_s)), 1);
 }
 
 TEST_F(DeliveryFlushTest, SaysWhenAFolderCannotBeFlushed)
 {
-    EXPECT_FALSE(DeliveryFlush::flush(path(u"missing"_s), begin));
+    EXPECT_EQ(DeliveryFlush::flush(path(u"missing"_s)), std::nullopt);
 }

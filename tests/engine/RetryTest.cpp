@@ -6,6 +6,7 @@
 #include "commands/UploadCommand.h"
 #include "support/GeneratedMedia.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <algorithm>
@@ -37,6 +38,14 @@ protected:
         model().startJobProcessing();
     }
 
+    // Where the first result file lies, or would.
+    [[nodiscard]] QString deliveredText() const
+    {
+        const QStringList folders = QDir(path(u"delivery"_s)).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        EXPECT_EQ(folders.size(), 1);
+        return path(u"delivery/"_s + folders.value(0) + u"/Universal_ASCII/Smith 2 Mar.txt"_s);
+    }
+
     int toldTwice = 0;
 
 private:
@@ -45,7 +54,7 @@ private:
 
 TEST_F(RetryRoadTest, ASubmissionThatWasRefused)
 {
-    service.addOverride("jobdetails.php", {.reply = "Account on hold"});
+    service.addOverride("jobdetails.php", {.reply = "0 0"});
     stopAndRetry(realJob({u"a.wav"_s, u"b.wav"_s}));
     EXPECT_EQ(toldTwice, 0) << "the service said no";
     EXPECT_EQ(service.jobs().size(), 1U);
@@ -98,6 +107,40 @@ TEST_F(RetryRoadTest, ADownloadThatFailed)
 {
     service.addOverride("miscstuff.php", {.status = 500});
     stopAndRetry(realJob({u"a.wav"_s}));
+}
+
+TEST_F(RetryRoadTest, ADeliveryWithProblemsIsFetchedAnewThoughTheJobIsCompleted)
+{
+    service.addOverride("test_downloadjob2.php", {.where = "starting_point=0&file_num=0", .status = 500, .times = 1});
+    const auto job = realJob({u"a.wav"_s});
+    submit(job);
+    ASSERT_TRUE(reaches(job, JobStatusCompleted));
+    ASSERT_TRUE(model().canRetryJob(job));
+    const QString text = deliveredText();
+    EXPECT_FALSE(QFile::exists(text)) << "it came";
+    ASSERT_TRUE(model().retryJob(job));
+    EXPECT_EQ(job->status(), JobStatusDownloading);
+    EXPECT_FALSE(model().canRetryJob(job)) << "it is under way";
+    EXPECT_TRUE(reaches(job, JobStatusCompleted));
+    EXPECT_TRUE(QFile::exists(text));
+    EXPECT_FALSE(model().canRetryJob(job)) << "all is here";
+    EXPECT_EQ(errorTexts(), QStringList());
+}
+
+TEST_F(RetryRoadTest, ADeliveryThatStopsWhenItIsFetchedAnewCanBeTriedOnceMore)
+{
+    service.addOverride("test_downloadjob2.php", {.where = "starting_point=0&file_num=0", .status = 500, .times = 1});
+    const auto job = realJob({u"a.wav"_s});
+    submit(job);
+    ASSERT_TRUE(reaches(job, JobStatusCompleted));
+    service.addOverride("miscstuff.php", {.status = 500});
+    ASSERT_TRUE(model().retryJob(job));
+    ASSERT_TRUE(stops(job));
+    service.clearOverrides();
+    // The service calls it done: no reply of its asks for the files again.
+    ASSERT_TRUE(model().retryJob(job));
+    EXPECT_TRUE(reaches(job, JobStatusCompleted));
+    EXPECT_TRUE(QFile::exists(deliveredText()));
 }
 
 TEST_F(RetryRoadTest, ARecordingThatIsPutRight)
@@ -174,6 +217,37 @@ TEST_F(RetryTest, NothingThatWasNeverSentIsToldToBeThereTwice)
     EXPECT_EQ(fileStatuses(*job), std::vector{JobStatusIdle + 0});
 }
 
+TEST_F(RetryTest, WordsThatAreNoRefusalMayHideASubmissionThatCameThrough)
+{
+    int toldTwice = 0;
+    const QObject scope;
+    QObject::connect(&model(), &JobModel::jobMayBeHeldTwice, &scope, [&] { ++toldTwice; });
+    for (const QString& reply : {u""_s, u"3"_s, u"0"_s, u"x 883"_s, u"<html>"_s}) {
+        const auto job = addJobAt(JobStatusSubmittingDetails);
+        model().processJobSubmitJobDetailsResponse(job, reply);
+        EXPECT_TRUE(model().retryJob(job));
+    }
+    EXPECT_EQ(toldTwice, 5);
+}
+
+TEST_F(RetryTest, ATranscriptWhoseReplyAloneWasLostIsNotSentIntoADelivery)
+{
+    const auto job = addJobAt(JobStatusUploaded);
+    model().uploadTranscript(job); // which is not there
+    ASSERT_TRUE(model().canRetryJob(job));
+    job->setStatus(JobStatusCompleted);
+    EXPECT_FALSE(model().canRetryJob(job));
+    EXPECT_FALSE(model().retryJob(job));
+}
+
+TEST_F(RetryTest, OfAJobThatLeftTheListNothingIsKept)
+{
+    const auto job = addJobAt(JobStatusSubmittingDetails);
+    model().removeJobsObject(job);
+    model().processJobSubmitJobDetailsResponse(job, u"no"_s);
+    EXPECT_FALSE(model().canRetryJob(job));
+}
+
 TEST_F(RetryTest, AFileThatTheServiceAsksForAgainIsNotSentTwice)
 {
     model().setMaxNumberOfRunningUploads(4);
@@ -182,8 +256,8 @@ TEST_F(RetryTest, AFileThatTheServiceAsksForAgainIsNotSentTwice)
     answer(*failed, "DISK FULL");
     job->setStatus(JobStatusOnServer);
     model().processStatusForSegment(1, 883, u"Processing_Media_Mono"_s, 0, -1);
-    ASSERT_TRUE(model().canRetryJob(job));
     model().reprocessJob(job);
+    job->mediaFiles().first()->setStatus(JobStatusConverting);
     EXPECT_FALSE(model().canRetryJob(job)) << "it is under way";
     model().endWork();
 }

@@ -161,4 +161,21 @@ TEST_F(SavedStateTest, AFileThatCannotBeReadIsKeptUnderANameThatNothingWritesTo)
                     .localizedDescription.contains(u"It cannot be renamed"_s));
 }
 
+TEST_F(SavedStateTest, FilesThatCannotBeReadAtTheSameInstantAreAllKept)
+{
+    const QDateTime stillClock(QDate(2026, 3, 2), QTime(4, 5, 6, 7));
+    const QStringList contents{u"one"_s, u"two"_s, u"three"_s};
+    for (const QString& content : contents) {
+        [[maybe_unused]] const QString written = writeFile(u"temp/State_demo.archive"_s, content.toUtf8());
+        const Error error = SavedState::keepAside(file, u"no reason"_s, stillClock);
+        EXPECT_TRUE(error.localizedDescription.contains(u"The file is kept as"_s));
+        EXPECT_FALSE(QFileInfo::exists(file));
+    }
+    QStringList kept;
+    for (const QString& name : QDir(path(u"temp"_s)).entryList(QDir::Files, QDir::Name))
+        kept.append(QString::fromUtf8(readFile(path(u"temp/"_s + name))));
+    kept.sort();
+    EXPECT_EQ(kept, (QStringList{u"one"_s, u"three"_s, u"two"_s}));
+}
+
 } // namespace

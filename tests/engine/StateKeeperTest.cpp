@@ -4,6 +4,7 @@
 
 #include "EngineTest.h"
 
+#include "commands/DownloadJobFilesCommand.h"
 #include "commands/SubmitJobDetailsCommand.h"
 #include "engine/SavedState.h"
 
@@ -104,6 +105,47 @@ TEST_F(StateKeeperTest, AFullDiskHoldsNoSubmissionBack)
     EXPECT_TRUE(Waiting::until([&] { return takeCommandsOf<SubmitJobDetailsCommand>().size() == 1; }));
 }
 
+TEST_F(StateKeeperTest, ADownloadBeginsOnlyWhenTheFileTellsOfIt)
+{
+    const auto job = addJobAt(14);
+    model().downloadJob(job);
+    EXPECT_TRUE(takeCommandsOf<DownloadJobFilesCommand>().empty());
+    ASSERT_TRUE(Waiting::until([&] { return !takeCommandsOf<DownloadJobFilesCommand>().empty(); }));
+    EXPECT_EQ(held(), QStringList{u"883:14:17"_s});
+}
+
+TEST_F(StateKeeperTest, GoesOnAfterASaveWhateverItWasAbout)
+{
+    const auto job = addJobAt(0, {u"a.mov"_s}, 0);
+    for (int number = 1; number <= 10; ++number) {
+        job->setDepoNum(number);
+        Waiting::turnMainLoopFor(std::chrono::milliseconds(number * 7)); // the keeper is at another point each time
+        ASSERT_FALSE(model().saveState(folder));
+        job->setDepoNum(100 + number);
+        EXPECT_TRUE(comesToHold({u"%1:0:0"_s.arg(100 + number)}));
+    }
+}
+
+TEST_F(StateKeeperTest, WhatChangesBackAfterASaveIsWritten)
+{
+    const auto job = addJobAt(0, {u"a.mov"_s}, 1);
+    EXPECT_TRUE(comesToHold({u"1:0:0"_s}));
+    job->setDepoNum(2);
+    ASSERT_FALSE(model().saveState(folder));
+    job->setDepoNum(1);
+    EXPECT_TRUE(comesToHold({u"1:0:0"_s}));
+}
+
+TEST_F(StateKeeperTest, AnotherFileTakesOverAndNobodyWaitsInVain)
+{
+    model().submitJobDetails(addJobAt(0, {u"a.mov"_s}, 0));
+    model().keepState(folder); // the same
+    model().keepState(path(u"elsewhere"_s));
+    EXPECT_EQ(takeCommandsOf<SubmitJobDetailsCommand>().size(), 1U);
+    EXPECT_EQ(held(), QStringList{u"0:0:0"_s});
+    EXPECT_TRUE(Waiting::until([&] { return QFileInfo::exists(path(u"elsewhere/State_demo.archive"_s)); }));
+}
+
 TEST_F(StateKeeperTest, ProgressAloneWritesNothing)
 {
     const auto job = addJobAt(9);
@@ -189,12 +231,75 @@ TEST_F(DamagedStateTest, AJobOfTheFileBeforeMayHaveBeenSubmittedSince)
 {
     const auto known = jobNamed(u"known.txt"_s);
     known->setDepoNum(7);
+    known->mediaFiles().first()->setStatus(2);
     ASSERT_FALSE(SavedState::write(file, {jobNamed(u"new.txt"_s), known}));
     ASSERT_FALSE(SavedState::write(file, {}));
     (void)writeFile(u"temp/State_demo.archive"_s, "{");
     const auto perhaps = SavedState::readLastGood(file).submittedPerhaps;
     ASSERT_EQ(perhaps.size(), 1U);
     EXPECT_EQ(perhaps.front()->name(), u"new.txt"_s);
+}
+
+TEST_F(DamagedStateTest, WhatTheNewestLacksComesFromTheFileBefore)
+{
+    // The first job of two is damaged, and the file before has it.
+    ASSERT_FALSE(SavedState::write(file, {jobNamed(u"a.txt"_s), jobNamed(u"b.txt"_s)}));
+    QByteArray damaged = readFile(file);
+    damaged.replace(damaged.indexOf("\"mediaFiles\""), 12, "\"mediaFlies\"");
+    (void)writeFile(u"temp/State_demo.archive"_s, damaged);
+    model().loadState(folder);
+    QStringList names;
+    for (const auto& job : model().jobs())
+        names << job->name();
+    EXPECT_EQ(names, (QStringList{u"b.txt"_s, u"a.txt"_s}));
+    EXPECT_EQ(errorTexts().size(), 1);
+    ASSERT_EQ(kept().size(), 1);
+    EXPECT_EQ(readFile(folder + u'/' + kept().first()), damaged);
+    EXPECT_EQ(SavedState::read(file).jobs.size(), 2U) << "They have a file again.";
+}
+
+TEST_F(DamagedStateTest, AJobIsNotOrderedWithoutARecordingThatCannotBeReadBack)
+{
+    QByteArray damaged = readFile(file);
+    damaged.replace("\"sourceFilePath\"", "\"sourceFlyPath\" ");
+    (void)writeFile(u"temp/State_demo.archive"_s, damaged);
+    const auto contents = SavedState::read(file);
+    EXPECT_TRUE(contents.jobs.empty());
+    EXPECT_TRUE(contents.problem);
+}
+
+TEST_F(DamagedStateTest, BothFilesAreKeptAsideWhereNeitherCanBeRead)
+{
+    (void)writeFile(u"temp/State_demo.archive"_s, "garbage");
+    (void)writeFile(u"temp/State_demo.archive.previous"_s, "more garbage");
+    model().loadState(folder);
+    EXPECT_TRUE(model().jobs().empty());
+    EXPECT_EQ(errorTexts().size(), 2);
+    EXPECT_EQ(QDir(folder).entryList({u"*.unreadable *"_s}).size(), 2);
+}
+
+TEST_F(DamagedStateTest, ALongUserNameLeavesRoomToKeepTheFile)
+{
+    const QString longName = u"temp/"_s + QString(245, u'n');
+    (void)writeFile(longName, "garbage");
+    (void)SavedState::keepAside(path(longName), u"no JSON"_s);
+    EXPECT_FALSE(QFile::exists(path(longName)));
+    EXPECT_EQ(readFile(folder + u"/State.unreadable 1"_s), "garbage");
+}
+
+TEST_F(DamagedStateTest, AJobOfTheFileBeforeThatTheServiceCallsDoneIsDeliveredOnceMore)
+{
+    const auto job = jobNamed(u"a.txt"_s);
+    job->setDepoNum(883);
+    job->mediaFiles().first()->setStatus(11);
+    job->setStatus(11);
+    ASSERT_FALSE(SavedState::write(file, {job}));
+    ASSERT_FALSE(SavedState::write(file, {}));
+    (void)writeFile(u"temp/State_demo.archive"_s, "garbage");
+    model().loadState(folder);
+    ASSERT_EQ(model().jobs().size(), 1U);
+    model().processStatusForDepoNum(883, u"a.txt"_s, u"Done"_s);
+    EXPECT_EQ(model().jobs().front()->status(), 14);
 }
 
 TEST_F(DamagedStateTest, CutAtAnyByteItGivesItsJobsOrThoseBefore)
@@ -225,6 +330,7 @@ TEST_F(DamagedStateTest, AJobWhoseSubmissionHadNoReplyIsToldToBePerhapsThereTwic
     submitting->setStatus(1);
     const auto answered = jobNamed(u"answered.txt"_s);
     answered->setStatus(1);
+    answered->setOrderNum(6);
     answered->setDepoNum(7);
     ASSERT_FALSE(SavedState::write(file, {jobNamed(u"new.txt"_s), submitting, answered}));
     QStringList told;

@@ -89,6 +89,13 @@ TEST_F(AtomicFileTest, AWriteThatFailsHalfwayLeavesTheOldFileAndNothingBeside)
     EXPECT_EQ(QDir(path(u"folder"_s)).entryList(QDir::Files | QDir::Hidden), QStringList{u"state.json"_s});
 }
 
+TEST_F(AtomicFileTest, FlushesFilesAndFoldersThatAreThere)
+{
+    EXPECT_TRUE(AtomicFile::flush(writeFile(QStringLiteral("a/b"), "x")));
+    EXPECT_TRUE(AtomicFile::flush(path(QStringLiteral("a"))));
+    EXPECT_FALSE(AtomicFile::flush(path(QStringLiteral("missing"))));
+}
+
 TEST_F(AtomicFileTest, AMissingFolderIsAnErrorThatNamesTheFile)
 {
     const QString file = path(u"missing/state.json"_s);

@@ -194,7 +194,8 @@ namespace {
 // The service's own words are the message. A refusal without words would leave the user before an empty line.
 QString reasonOf(const QString& reply)
 {
-    return reply.trimmed().isEmpty() ? LoginWindowController::tr("The service gave no reason.") : ShownText::of(reply);
+    return reply.trimmed().isEmpty() ? LoginWindowController::tr("The service gave no reason.")
+                                     : Secrets::masked(ShownText::of(reply));
 }
 
 } // namespace
