@@ -22,8 +22,8 @@ class RecordingReporter : public Reporter
 public:
     void rowChanged(const ProgressRow& row) override { changes.push_back(row); }
     void rowsAre(const std::vector<ProgressRow>& rows) override { last = rows; }
-    void note(const QString&) override {}
-    void error(const QString&) override {}
+    void showNote(const QString&) override {}
+    void showError(const QString&) override {}
     void result(const QString&, const QJsonObject&) override {}
 
     // The states of a row in the order in which they were told.
