@@ -5,6 +5,7 @@
 #include "app/QuitGuard.h"
 #include "app/SingleInstance.h"
 #include "app/UserPlaces.h"
+#include "foundation/HeapArenas.h"
 #include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
@@ -108,6 +109,7 @@ int main(int argc, char** argv)
     // Only the command line asks for them; the programs that this one starts need not see them either.
     for (const char* const variable : {"QUILLPOST_PASSWORD", "QUILLPOST_NEW_PASSWORD"})
         static_cast<void>(Secrets::takeFromEnvironment(variable));
+    HeapArenas::keepFew();
     Secrets::keepMemoryPrivate();
     Interruption::install();
     // Before anything that needs a display.

@@ -2,6 +2,7 @@
 #include "cli/CommandLine.h"
 #include "cli/PasswordVariables.h"
 #include "cli/Runs.h"
+#include "foundation/HeapArenas.h"
 #include "foundation/Interruption.h"
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
@@ -17,6 +18,7 @@
 int main(int argc, char** argv)
 {
     PasswordVariables variables = PasswordVariables::take();
+    HeapArenas::keepFew();
     Secrets::keepMemoryPrivate();
     Interruption::install();
     auto read = CommandLine::read(argc, argv);

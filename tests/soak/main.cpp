@@ -1,5 +1,6 @@
 #include "Soak.h"
 
+#include "foundation/HeapArenas.h"
 #include "foundation/MainThread.h"
 
 #include <CLI/CLI.hpp>
@@ -26,6 +27,7 @@ int main(int argc, char** argv)
     CLI11_PARSE(app, argc, argv);
     options.comparesMemory = !ignoresMemory;
 
+    HeapArenas::keepFew(); // As the programs do.
     QCoreApplication qtApplication(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     const MainThread::Attachment mainThread;
