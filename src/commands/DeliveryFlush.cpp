@@ -35,3 +35,13 @@ std::optional<int> DeliveryFlush::flush(const QString& folder)
     }
     return isFlushed ? std::optional(files) : std::nullopt;
 }
+
+bool DeliveryFlush::flushFileSystem(const QString& folder)
+{
+    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool isFlushed = ::syncfs(descriptor) == 0;
+    ::close(descriptor);
+    return isFlushed;
+}

@@ -12,4 +12,7 @@ namespace DeliveryFlush {
 // How many files there were; nothing where some of it could not be flushed.
 [[nodiscard]] std::optional<int> flush(const QString& folder);
 
+// Everything that was written to the file system of the folder.
+[[nodiscard]] bool flushFileSystem(const QString& folder);
+
 } // namespace DeliveryFlush

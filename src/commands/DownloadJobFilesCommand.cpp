@@ -14,6 +14,7 @@
 #include "foundation/ShownText.h"
 #include "foundation/Text.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <curl/curl.h>
@@ -144,7 +145,11 @@ void DownloadJobFilesCommand::execute()
 // What the service is told to be delivered it need not keep.
 void DownloadJobFilesCommand::flushDelivery(const QString& jobFolderPath) const
 {
-    if (!DeliveryFlush::flush(jobFolderPath))
+    // Without a folder of its own it lies among the user's other files.
+    const bool isFlushed = QDir::cleanPath(jobFolderPath) == QDir::cleanPath(m_folderPath)
+                               ? DeliveryFlush::flushFileSystem(jobFolderPath)
+                               : DeliveryFlush::flush(jobFolderPath).has_value();
+    if (!isFlushed)
         Log::warning("Job {}, not all files in {} could be flushed to disk", depoNum(), jobFolderPath);
     // The folders above hold the new one's name.
     for (QString folder = jobFolderPath; folder.size() > m_folderPath.size();) {

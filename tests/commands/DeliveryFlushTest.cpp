@@ -12,6 +12,12 @@ namespace {
 class DeliveryFlushTest : public TemporaryHome
 {};
 
+TEST_F(DeliveryFlushTest, AFolderThatIsMissingHasNoFileSystem)
+{
+    EXPECT_TRUE(DeliveryFlush::flushFileSystem(path(QString())));
+    EXPECT_FALSE(DeliveryFlush::flushFileSystem(path(QStringLiteral("missing"))));
+}
+
 } // namespace
 
 TEST_F(DeliveryFlushTest, FlushesEveryFileInFoldersInFoldersWhateverItsDate)
