@@ -20,6 +20,7 @@ struct Run
 {
     std::vector<std::pair<QString, QStringList>> sections;
     int tried = 0;
+    int inAll = 0;
     int lost = 0;
     int hung = 0;
 };
@@ -30,9 +31,10 @@ Run& run()
     return all;
 }
 
-QString figureOf(int tried, int lost, int hung)
+QString figureOf(int tried, int inAll, int lost, int hung)
 {
-    return u"faults tried %1, jobs lost %2, crashes 0, hangs %3"_s.arg(tried).arg(lost).arg(hung);
+    const QString of = tried == inAll ? QString() : u" of %1"_s.arg(inAll);
+    return u"faults tried %1%2, jobs lost %3, crashes 0, hangs %4"_s.arg(tried).arg(of).arg(lost).arg(hung);
 }
 
 QString sectionOf(const QString& title, const QStringList& rows)
@@ -53,13 +55,14 @@ checks every row, and which writes this file: see [the tests](../tests/README.md
 
 - *lost* stands for the number and words of a connection that ended early (18, 35, 52, 55 or 56), which depend on the
   moment; *N* for a job's number; `~` for the home folder. Long texts are cut.
-- "stays at 1" is the status at which a job stands still until it is taken up again, by the next run of the program or by
-  the user. A job that stands still is in the list and in the saved state.
+- "stays at 1" is the status at which a job stands still until it is taken up again: by the user's Try Again, which is
+  tried where the fault was met once, or by the next run of the program. A job that stands still is in the list and in
+  the saved state.
 - Nothing is tried again by itself but the two polls and the upload of the log, and no request has a time limit: a
   service that is silent is waited for.
 - A reply of which only the last piece is read, a word that is no name of a file, and the contents of a file that the
   service sends in good order cannot be told from good ones.
-)"_s.arg(figureOf(tried, 0, 0));
+)"_s.arg(figureOf(tried, tried, 0, 0));
 }
 
 QStringList documentedRows(const QString& title)
@@ -97,7 +100,7 @@ public:
     {
         if (run().tried == 0)
             return;
-        std::printf("%s\n", qPrintable(figureOf(run().tried, run().lost, run().hung)));
+        std::printf("%s\n", qPrintable(figureOf(run().tried, run().inAll, run().lost, run().hung)));
         if (qEnvironmentVariableIsEmpty("QUILLPOST_WRITE_FAULTS"))
             return;
         // Sections of tests that did not run stay.
@@ -201,19 +204,26 @@ void FaultTable::add(FaultKind kind, const Outcome& once, const Outcome& forGood
 
 void FaultTable::compareWithDocument() const
 {
-    std::printf("%s: %s\n", qPrintable(m_title), qPrintable(figureOf(m_tried, m_lost, m_hung)));
+    const int inAll = static_cast<int>(Faults::all().size()) * 2;
+    std::printf("%s: %s\n", qPrintable(m_title), qPrintable(figureOf(m_tried, inAll, m_lost, m_hung)));
     EXPECT_EQ(m_lost, 0) << m_title.toStdString();
     EXPECT_EQ(m_hung, 0) << m_title.toStdString();
     run().sections.emplace_back(m_title, m_rows);
     run().tried += m_tried;
+    run().inAll += inAll;
     run().lost += m_lost;
     run().hung += m_hung;
     if (!qEnvironmentVariableIsEmpty("QUILLPOST_WRITE_FAULTS"))
         return;
     const QStringList documented = documentedRows(m_title);
-    ASSERT_EQ(documented.size(), m_rows.size()) << "docs/faults.md has not every row of " << m_title.toStdString();
-    for (qsizetype i = 0; i < m_rows.size(); ++i)
-        EXPECT_EQ(m_rows.at(i).toStdString(), documented.at(i).toStdString());
+    ASSERT_EQ(documented.size(), static_cast<qsizetype>(Faults::all().size()))
+        << "docs/faults.md has not every row of " << m_title.toStdString();
+    for (const QString& row : m_rows) {
+        const QString fault = row.section(u'|', 0, 1) + u'|';
+        const auto same = std::find_if(documented.begin(), documented.end(),
+                                       [&](const QString& line) { return line.startsWith(fault); });
+        EXPECT_EQ(row.toStdString(), same == documented.end() ? "" : same->toStdString());
+    }
 }
 
 // The document's own figure is that of its rows.
@@ -227,5 +237,5 @@ TEST(FaultDocument, SaysHowManyFaultsItTells)
         rows += line.startsWith(u"| "_s) && !line.startsWith(u"| Fault "_s) ? 1 : 0;
     EXPECT_GT(rows, 0);
     EXPECT_EQ(rows % static_cast<int>(Faults::all().size()), 0);
-    EXPECT_TRUE(text.contains(figureOf(rows * 2, 0, 0))) << rows * 2;
+    EXPECT_TRUE(text.contains(figureOf(rows * 2, rows * 2, 0, 0))) << rows * 2;
 }

@@ -5,9 +5,12 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <arpa/inet.h>
+#include <iterator>
 #include <limits>
 #include <netinet/in.h>
+#include <random>
 #include <sys/socket.h>
 
 using namespace Qt::StringLiterals;
@@ -85,6 +88,24 @@ const std::vector<FaultKind>& Faults::all()
         FaultKind::WrongWords,     FaultKind::OtherWords,       FaultKind::Garbage,      FaultKind::NulBytes,
         FaultKind::SingleBytes,    FaultKind::Silence,          FaultKind::RedirectLoop};
     return kinds;
+}
+
+std::vector<FaultKind> Faults::triedFor(const QString& title)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr bool isSanitized = true;
+#else
+    constexpr bool isSanitized = false;
+#endif
+    if (!isSanitized || !qEnvironmentVariableIsEmpty("QUILLPOST_WRITE_FAULTS"))
+        return all();
+    auto seed = static_cast<unsigned>(qEnvironmentVariableIntValue("QUILLPOST_FAULTS_SEED"));
+    for (const char byte : title.toUtf8())
+        seed = seed * 31U + static_cast<unsigned char>(byte);
+    std::vector<FaultKind> drawn;
+    std::ranges::sample(all(), std::back_inserter(drawn), static_cast<std::ptrdiff_t>(all().size() / 3),
+                        std::mt19937(seed));
+    return drawn;
 }
 
 QString Faults::nameOf(FaultKind kind)

@@ -45,6 +45,9 @@ namespace Faults {
 enum class Often { Once, ForGood };
 
 [[nodiscard]] const std::vector<FaultKind>& all();
+// Those that this run meets the request of that title with: all of them, but under a sanitizer, where each costs many
+// times as much, a third that QUILLPOST_FAULTS_SEED draws.
+[[nodiscard]] std::vector<FaultKind> triedFor(const QString& title);
 // As the table calls it.
 [[nodiscard]] QString nameOf(FaultKind kind);
 // From now on the request meets the fault.

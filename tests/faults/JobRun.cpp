@@ -22,6 +22,7 @@ namespace {
 
 constexpr auto patience = 30s;
 constexpr qint64 longestEndInMilliseconds = 5000;
+constexpr double never = 3600.0;
 
 // Made once: the recording itself is not what is tested.
 QString recording(const QString& name)
@@ -57,6 +58,9 @@ JobRun::JobRun(const JobRequest& request, FaultKind kind)
 void JobRun::prepareEngine()
 {
     ServiceEngineTest::prepareEngine();
+    // Asked for once at the start, and as often as needed where that is what is tested.
+    if (m_request.request.endpoint != "get_instructions.php" && !m_request.sendsLogs)
+        model().setInstructionsCheckTimeInterval(never);
     QObject::connect(&model(), &JobModel::deliveryHadProblems, &model(),
                      [this](const std::shared_ptr<Job>&, const QStringList& problems) { m_problems += problems; });
 }
@@ -72,6 +76,7 @@ std::shared_ptr<Job> JobRun::jobAtStage()
     const QString sound = path(u"a.wav"_s);
     QFile::copy(recording(u"a.wav"_s), sound);
     const auto job = orderOf({sound}, transcript());
+    job->setDeliveryFormat(m_request.deliveryFormat);
     sendToService(job, m_request.stage);
     if (const auto at = m_request.request.where.find("COUNT"); at != std::string::npos)
         m_request.request.where.replace(at, 5, std::to_string(service.job(883)->deliverables.size()));
@@ -143,7 +148,7 @@ Outcome JobRun::meet(Faults::Often often)
     Faults::install(service, m_request.request, m_kind, often);
     start(job);
     const bool isOver = waitForOutcome(job, often);
-    return concludeAfter(job, !isOver, [this] { service.clearOverrides(); });
+    return concludeAfter(job, !isOver, often == Faults::Often::Once, [this] { service.clearOverrides(); });
 }
 
 Outcome JobRun::meet(const std::function<void()>& harm, const std::function<void()>& mend)
@@ -154,10 +159,11 @@ Outcome JobRun::meet(const std::function<void()>& harm, const std::function<void
     const bool isOver =
         Waiting::until([&] { return job->status() == JobStatusCompleted || !engine->stops.empty(); }, patience);
     mend(); // Before the state is saved, which has a test of its own.
-    return concludeAfter(job, !isOver, [] {});
+    return concludeAfter(job, !isOver, false, [] {});
 }
 
-Outcome JobRun::concludeAfter(const std::shared_ptr<Job>& job, bool hasHung, const std::function<void()>& mend)
+Outcome JobRun::concludeAfter(const std::shared_ptr<Job>& job, bool hasHung, bool triesAgain,
+                              const std::function<void()>& mend)
 {
     Outcome outcome;
     outcome.hasHung = hasHung;
@@ -176,6 +182,10 @@ Outcome JobRun::concludeAfter(const std::shared_ptr<Job>& job, bool hasHung, con
             outcome.then += u"; whole when delivered again"_s;
             outcome.isLost = outcome.isLost || !completesWhenDeliveredAgain(job);
         }
+    } else if (triesAgain && model().canRetryJob(job)) {
+        outcome.then = u"stays at %1; completed when tried again"_s.arg(job->status());
+        mend();
+        outcome.isLost = outcome.isLost || !isSaved(*job) || !completesWhenTriedAgain(job);
     } else {
         outcome.then = u"stays at %1; completed by the next run"_s.arg(job->status());
         outcome.isLost = outcome.isLost || !isSaved(*job) || !completesInTheNextRun(outcome, mend);
@@ -213,10 +223,24 @@ bool JobRun::completesInTheNextRun(Outcome& outcome, const std::function<void()>
     return completed && hasRightFiles(*job);
 }
 
+bool JobRun::completesWhenTriedAgain(const std::shared_ptr<Job>& job)
+{
+    const QStringList toldBefore = errorTexts();
+    EXPECT_TRUE(model().retryJob(job));
+    const auto completed = reaches(job, JobStatusCompleted);
+    EXPECT_TRUE(completed);
+    EXPECT_EQ(errorTexts(), toldBefore) << "nothing goes wrong any more";
+    EXPECT_FALSE(model().canRetryJob(job));
+    EXPECT_TRUE(m_problems.isEmpty()) << m_problems.join(u" | "_s).toStdString();
+    return completed && hasRightFiles(*job);
+}
+
 bool JobRun::completesWhenDeliveredAgain(const std::shared_ptr<Job>& job)
 {
+    EXPECT_EQ(model().canRetryJob(job), !m_problems.isEmpty());
     m_problems.clear();
-    model().downloadJob(job);
+    if (!model().retryJob(job))
+        model().downloadJob(job); // Nobody knows that anything is wrong.
     const auto completed = reaches(job, JobStatusCompleted);
     EXPECT_TRUE(completed);
     EXPECT_TRUE(m_problems.isEmpty()) << m_problems.join(u" | "_s).toStdString();

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const JobRequest wholeRoad{"", "", Stage::New, 0, {}};
-const JobRequest delivery{"", "", Stage::Sent, 0, {}};
+const JobRequest delivery{"", "", Stage::Sent, 0, {}, "Deposition", false, false, false, false, DeliveryFormatAll};
 
 void expectToldAndNotLost(const Outcome& outcome, const QString& words)
 {
