@@ -16,6 +16,7 @@
 #include <QElapsedTimer>
 
 #include <functional>
+#include <ostream>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -224,6 +225,12 @@ struct AccountRequest
     std::function<std::unique_ptr<Asking>(Program&)> makeAsking;
     bool takesAnyWords = false;
 };
+
+// In a list of tests.
+void PrintTo(const AccountRequest& request, std::ostream* stream)
+{
+    *stream << request.title;
+}
 
 class AccountRequestFaultsTest : public TemporaryHome, public testing::WithParamInterface<AccountRequest>
 {

@@ -4,6 +4,8 @@
 #include "FaultTable.h"
 #include "Faults.h"
 
+#include <ostream>
+
 // How far a job is before the request under test is sent.
 enum class Stage {
     New,        // not yet submitted
@@ -31,6 +33,12 @@ struct JobRequest
     // Two result files, one of them in the folder that the demo-disc file goes to: each costs several requests.
     DeliveryFormat deliveryFormat = DeliveryFormatOstrovaXML;
 };
+
+// In a list of tests.
+inline void PrintTo(const JobRequest& request, std::ostream* stream)
+{
+    *stream << request.title;
+}
 
 // One job of one recording with a service, an engine and a home of its own, and one fault on its way.
 class JobRun : public ServiceEngineTest
