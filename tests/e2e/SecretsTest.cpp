@@ -167,7 +167,7 @@ TEST_F(SecretsOfARun, areNowhereWhenTransfersFail)
         EXPECT_EQ(submitVerbosely(QStringLiteral("a.wav")).exitCode(), 3) << endpoint;
         service.clearOverrides();
     }
-    service.addOverride("jobdetails.php", {.status = 500, .reply = echo()});
+    service.addOverride("test_custupload2.php", {.status = 500, .reply = echo()});
     EXPECT_EQ(runVerbosely({QStringLiteral("retry")}).exitCode(), 3);
     service.clearOverrides();
     EXPECT_EQ(runVerbosely({QStringLiteral("resume")}).exitCode(), 0);
