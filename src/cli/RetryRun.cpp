@@ -33,11 +33,15 @@ void RetryRun::start()
     if (!prepare())
         return;
     // Before anything is sent: a slip must not set other jobs to work.
-    const auto saved =
-        SavedState::readLastGood(SavedState::filePath(application().tempFolder(), application().user())).jobs;
+    const QString path = SavedState::filePath(application().tempFolder(), application().user());
+    const SavedState::Contents contents = SavedState::readLastGood(path);
+    const auto& saved = contents.jobs;
     for (const QString& name : line().retryJobs) {
         if (std::any_of(saved.begin(), saved.end(), [&](const auto& job) { return isNamed(*job, name); }))
             continue;
+        if (contents.problem)
+            application().reporter().error(
+                Text::format("The saved jobs in {} cannot all be read ({})", path, *contents.problem));
         application().reporter().error(Text::format(
             "No saved job has the number or transcript name \"{}\"; saved jobs: {}", name, namesOf(saved)));
         application().end(ExitCode::Usage);

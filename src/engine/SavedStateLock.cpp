@@ -1,6 +1,6 @@
 #include "engine/SavedStateLock.h"
 
-#include "foundation/Text.h"
+#include "foundation/Log.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -31,8 +31,10 @@ bool SavedStateLock::take(const QString& stateFilePath)
         m_descriptor =
             ::open(QFile::encodeName(lockPath(stateFilePath)).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     // A file system without locks must not keep the user from working.
-    if (m_descriptor < 0 || (::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno != EWOULDBLOCK))
+    if (m_descriptor < 0 || (::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno != EWOULDBLOCK)) {
+        Log::warning("{} cannot be locked: {}", lockPath(stateFilePath), qt_error_string(errno));
         return true;
+    }
     if (::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0)
         return false;
     const QByteArray name = QFileInfo(QCoreApplication::applicationFilePath()).fileName().toUtf8();
