@@ -47,7 +47,8 @@ void EmptyStateOverlay::followModel()
 void EmptyStateOverlay::refresh()
 {
     setGeometry(m_view->viewport()->rect());
-    setVisible(m_model == nullptr || m_model->rowCount(m_view->rootIndex()) == 0);
+    const QAbstractItemModel* const model = m_model;
+    setVisible(model == nullptr || model->rowCount(m_view->rootIndex()) == 0);
 }
 
 bool EmptyStateOverlay::eventFilter(QObject* watched, QEvent* event)

@@ -25,8 +25,9 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (m_controller && (event->type() == QEvent::Show || event->type() == QEvent::Hide))
-            m_controller->setIsShown(event->type() == QEvent::Show);
+        WindowController* const controller = m_controller;
+        if (controller != nullptr && (event->type() == QEvent::Show || event->type() == QEvent::Hide))
+            controller->setIsShown(event->type() == QEvent::Show);
         return QObject::eventFilter(watched, event);
     }
 
