@@ -12,7 +12,7 @@
 
 namespace {
 
-const QByteArray request = QByteArrayLiteral("come ");
+const QByteArray request = QByteArrayLiteral("come");
 const QByteArray reply = QByteArrayLiteral("here\n");
 constexpr qint64 longestRequest = 4096;
 
@@ -86,11 +86,11 @@ void SingleInstance::answer()
             return;
         }
         const QByteArray line = socket->readLine(longestRequest).trimmed();
-        if (!line.startsWith(request.trimmed())) {
+        if (!line.startsWith(request)) {
             socket->abort();
             return;
         }
-        Q_EMIT wanted(QString::fromUtf8(line.sliced(request.trimmed().size()).trimmed()));
+        Q_EMIT wanted(QString::fromUtf8(line.sliced(request.size()).trimmed()));
         socket->write(reply);
         socket->disconnectFromServer();
     });
@@ -103,7 +103,7 @@ bool SingleInstance::askOther(const QDeadlineTimer& deadline) const
     socket.connectToServer(m_socketPath);
     if (!socket.waitForConnected(left()))
         return false;
-    socket.write(request + qgetenv("XDG_ACTIVATION_TOKEN") + '\n');
+    socket.write(request + ' ' + qgetenv("XDG_ACTIVATION_TOKEN") + '\n');
     QByteArray said;
     while (said != reply && !deadline.hasExpired() && socket.waitForReadyRead(left()))
         said += socket.readAll();

@@ -13,6 +13,7 @@
 #include "foundation/Text.h"
 #include "foundation/UserFolders.h"
 #include "foundation/Version.h"
+#include "settings/PasswordVariables.h"
 #include "ui/controls/QtUserDialogs.h"
 #include "ui/controls/QuillpostIcons.h"
 #include "ui/login/LoginWindowController.h"
@@ -49,6 +50,20 @@ bool isDisplayMissing(int argc, char** argv)
     }
     return qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
            qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+// The exit code where nothing is asked for that needs a display, or there is none.
+std::optional<int> endBeforeDisplay(int argc, char** argv)
+{
+    if (asksForWords(argc, argv)) {
+        const auto read = DesktopCommandLine::read(argc, argv);
+        if (const int* const code = std::get_if<int>(&read))
+            return *code;
+    }
+    if (!isDisplayMissing(argc, argv))
+        return std::nullopt;
+    std::fputs("quillpost: there is no display here; quillpost-cli works without one.\n", stderr);
+    return cannotStart;
 }
 
 int failToStart(QtUserDialogs& dialogs, const Error& error)
@@ -107,21 +122,12 @@ void runUntilQuit(const QuillpostAppDelegate::Environment& environment,
 int main(int argc, char** argv)
 {
     // Only the command line asks for them; the programs that this one starts need not see them either.
-    for (const char* const variable : {"QUILLPOST_PASSWORD", "QUILLPOST_NEW_PASSWORD"})
-        static_cast<void>(Secrets::takeFromEnvironment(variable));
+    static_cast<void>(PasswordVariables::take());
     HeapArenas::keepFew();
     Secrets::keepMemoryPrivate();
     Interruption::install();
-    // Before anything that needs a display.
-    if (asksForWords(argc, argv)) {
-        const auto read = DesktopCommandLine::read(argc, argv);
-        if (const int* const code = std::get_if<int>(&read))
-            return *code;
-    }
-    if (isDisplayMissing(argc, argv)) {
-        std::fputs("quillpost: there is no display here; quillpost-cli works without one.\n", stderr);
-        return cannotStart;
-    }
+    if (const auto code = endBeforeDisplay(argc, argv))
+        return *code;
     QApplication qtApplication(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // Qt takes the user's; numbers on the wire and in JSON have points.
     const auto read = DesktopCommandLine::read(argc, argv);

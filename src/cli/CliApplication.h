@@ -2,7 +2,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/ExitCode.h"
-#include "cli/PasswordVariables.h"
+#include "settings/PasswordVariables.h"
 #include "cli/Reporter.h"
 #include "cli/ServiceRequest.h"
 #include "commands/CUrlCommandProcessor.h"

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -145,6 +146,16 @@ void takeSubmitOptions(const CLI::App& submit, const Arguments& arguments, Submi
         options.processingLevel = *level;
 }
 
+CommandLine::Command commandNamed(const std::string& name)
+{
+    using Command = CommandLine::Command;
+    static const std::map<std::string, Command> commands{
+        {"login", Command::Login},    {"submit", Command::Submit}, {"resume", Command::Resume},
+        {"retry", Command::Retry},    {"jobs", Command::Jobs},     {"change-password", Command::ChangePassword},
+        {"inspect", Command::Inspect}};
+    return commands.at(name);
+}
+
 constexpr const char* footer =
     "The password comes from QUILLPOST_PASSWORD or is asked for on the terminal; for change-password the new one\n"
     "comes from QUILLPOST_NEW_PASSWORD or is asked for.\n\n"
@@ -165,14 +176,14 @@ std::variant<CommandLine, ExitCode> CommandLine::read(int argc, const char* cons
     app.require_subcommand(1);
     app.fallthrough(); // Global options may stand behind the command too.
     addGlobalOptions(app, line, arguments);
-    const CLI::App* const login = app.add_subcommand("login", "Check the account and print its contact ID");
+    app.add_subcommand("login", "Check the account and print its contact ID");
     const CLI::App* const submit = addSubmit(app, line, arguments);
-    const CLI::App* const resume = app.add_subcommand("resume", "Work until all saved jobs are completed");
+    app.add_subcommand("resume", "Work until all saved jobs are completed");
     CLI::App* const retry = app.add_subcommand("retry", "Try again the saved jobs that stopped");
     retry->add_option("jobs", arguments.retryJobs, "Job numbers or transcript names (all saved jobs)")
         ->type_name("JOB");
-    const CLI::App* const jobs = app.add_subcommand("jobs", "List the service's jobs and the saved ones");
-    const CLI::App* const change = app.add_subcommand("change-password", "Replace the account's password");
+    app.add_subcommand("jobs", "List the service's jobs and the saved ones");
+    app.add_subcommand("change-password", "Replace the account's password");
     CLI::App* const inspect = app.add_subcommand("inspect", "Print what is found in transcripts and recordings");
     inspect->add_option("files", arguments.inspectFiles, "Transcripts and recordings")->type_name("FILE")->required();
 
@@ -189,20 +200,7 @@ std::variant<CommandLine, ExitCode> CommandLine::read(int argc, const char* cons
         return app.exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
     }
     takeGlobalOptions(app, arguments, line);
-    if (login->parsed())
-        line.command = Command::Login;
-    else if (submit->parsed())
-        line.command = Command::Submit;
-    else if (resume->parsed())
-        line.command = Command::Resume;
-    else if (retry->parsed())
-        line.command = Command::Retry;
-    else if (jobs->parsed())
-        line.command = Command::Jobs;
-    else if (change->parsed())
-        line.command = Command::ChangePassword;
-    else
-        line.command = Command::Inspect;
+    line.command = commandNamed(app.get_subcommands().front()->get_name());
     takeSubmitOptions(*submit, arguments, line.submit);
     line.inspectFiles = texts(arguments.inspectFiles);
     line.retryJobs = texts(arguments.retryJobs);

@@ -1,6 +1,6 @@
 #include "cli/CliApplication.h"
 #include "cli/CommandLine.h"
-#include "cli/PasswordVariables.h"
+#include "settings/PasswordVariables.h"
 #include "cli/Runs.h"
 #include "foundation/HeapArenas.h"
 #include "foundation/Interruption.h"

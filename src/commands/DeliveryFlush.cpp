@@ -1,5 +1,7 @@
 #include "commands/DeliveryFlush.h"
 
+#include "foundation/AtomicFile.h"
+
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -7,31 +9,16 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace {
-
-bool flushOne(const QString& path, int flags)
-{
-    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | flags);
-    if (descriptor < 0)
-        return false;
-    const bool isFlushed = ::fsync(descriptor) == 0;
-    ::close(descriptor);
-    return isFlushed;
-}
-
-} // namespace
-
 std::optional<int> DeliveryFlush::flush(const QString& folder)
 {
-    bool isFlushed = flushOne(folder, O_DIRECTORY);
+    bool isFlushed = AtomicFile::flush(folder);
     int files = 0;
     QDirIterator each(folder, QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot | QDir::NoSymLinks,
                       QDirIterator::Subdirectories);
     while (each.hasNext()) {
         const QString path = each.next();
-        const bool isFolder = each.fileInfo().isDir();
-        isFlushed = flushOne(path, isFolder ? O_DIRECTORY : 0) && isFlushed;
-        files += isFolder ? 0 : 1;
+        isFlushed = AtomicFile::flush(path) && isFlushed;
+        files += each.fileInfo().isDir() ? 0 : 1;
     }
     return isFlushed ? std::optional(files) : std::nullopt;
 }

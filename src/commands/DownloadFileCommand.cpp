@@ -24,8 +24,7 @@ DownloadFileCommand::DownloadFileCommand(const ServiceHosts& hosts, const QStrin
     if (!QFileInfo::exists(folder) && !QDir().mkpath(folder))
         Log::error("DownloadCommand for depo={}, file={}, unable to create folder at path: {}", depoNum, fileNum,
                    folder);
-    m_isFileMade = m_downloadedFile.create(filePath);
-    if (!m_isFileMade) {
+    if (!m_downloadedFile.create(filePath)) {
         Log::error("DownloadCommand for depo={}, file={}, unable to create file at path: {}", depoNum, fileNum,
                    filePath);
         return;

@@ -17,11 +17,10 @@ public:
 
     void execute() override;
     // False where the local file could not be made.
-    [[nodiscard]] bool isFileMade() const { return m_isFileMade; }
+    [[nodiscard]] bool isFileMade() const { return m_downloadedFile.isMade(); }
     [[nodiscard]] const DownloadedFile& downloadedFile() const { return m_downloadedFile; }
     std::size_t downloadCallback(const char* bytes, std::size_t size, std::size_t number);
 
 private:
     DownloadedFile m_downloadedFile;
-    bool m_isFileMade = false;
 };

@@ -15,6 +15,7 @@ public:
 
     // Makes an empty file at `path` in place of any file there. Folders are not made.
     bool create(const QString& path);
+    [[nodiscard]] bool isMade() const { return m_outputFile.isOpen(); }
     std::size_t append(const char* bytes, std::size_t size, std::size_t number);
     // Everything received, in one go; also after a transfer that failed.
     void writeOut();

@@ -18,8 +18,7 @@ RegularDownloadFileCommand::RegularDownloadFileCommand(const QString& url, const
 {
     setPointer(PointerHolder::pointerHolderWithPtr(&regularDownloadFunction), CURLOPT_WRITEFUNCTION);
     setPointer(PointerHolder::pointerHolderWithPtr(static_cast<void*>(this)), CURLOPT_WRITEDATA);
-    m_isFileMade = m_downloadedFile.create(destinationPath);
-    if (!m_isFileMade)
+    if (!m_downloadedFile.create(destinationPath))
         Log::error("RegularDownloadFileCommand, unable to create file at path: {}", destinationPath);
 }
 

@@ -15,11 +15,10 @@ public:
 
     void execute() override;
     // False where the local file could not be made, as where its folder is missing.
-    [[nodiscard]] bool isFileMade() const { return m_isFileMade; }
+    [[nodiscard]] bool isFileMade() const { return m_downloadedFile.isMade(); }
     [[nodiscard]] const DownloadedFile& downloadedFile() const { return m_downloadedFile; }
     std::size_t regularDownloadCallback(const char* bytes, std::size_t size, std::size_t number);
 
 private:
     DownloadedFile m_downloadedFile;
-    bool m_isFileMade = false;
 };

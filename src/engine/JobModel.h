@@ -142,8 +142,8 @@ public:
     // From now on each change of an unfinished local job is in that file within a second. A file that cannot be written
     // is presented, once.
     void keepState(const QString& folder);
-    // Adds the saved jobs and goes on with what was interrupted. Does nothing without a user name; a file that is
-    // missing or cannot be read yields no jobs.
+    // Adds the saved jobs and goes on with what was interrupted. Does nothing without a user name. What a file that is
+    // missing or damaged lacks comes from the one before it; a damaged one is kept aside and presented.
     void loadState(const QString& folder);
     [[nodiscard]] QString stateFilePath(const QString& folder) const;
     // The converted files of local jobs that are uploaded.

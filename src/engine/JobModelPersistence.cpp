@@ -19,13 +19,14 @@ std::optional<Error> JobModel::saveState(const QString& folder)
     const bool wasProcessing = m_doFindAndProcessJobs;
     stopJobProcessing();
     const QString path = stateFilePath(folder);
-    if (m_stateKeeper && m_stateKeeper->path() == path)
-        m_stateKeeper->settle(); // It must not write an older picture over this one.
+    StateKeeper* const keeper = m_stateKeeper && m_stateKeeper->path() == path ? m_stateKeeper.get() : nullptr;
+    if (keeper != nullptr)
+        keeper->settle(); // It must not write an older picture over this one.
     auto error = SavedState::write(path, jobs());
     if (error)
         Log::error("Unable to save the jobs: {}", error->localizedDescription);
-    if (m_stateKeeper && m_stateKeeper->path() == path)
-        m_stateKeeper->goOn();
+    if (keeper != nullptr)
+        keeper->goOn();
     if (wasProcessing)
         startJobProcessing();
     return error;

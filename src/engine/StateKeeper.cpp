@@ -89,6 +89,7 @@ void StateKeeper::unfollow(const Job* job)
         return;
     for (const auto& connection : found->second.connections)
         disconnect(connection);
+    m_mustWrite = m_mustWrite || found->second.archive;
     m_followed.erase(found);
     arm();
 }
@@ -131,9 +132,12 @@ void StateKeeper::encodeChanged()
         const auto followed = m_followed.find(job);
         if (followed == m_followed.end())
             continue;
-        followed->second.archive.reset();
-        if (SavedState::isKept(*job))
-            followed->second.archive = job->encode();
+        auto archive = SavedState::isKept(*job) ? job->encode() : std::nullopt;
+        // Progress is a change of a row, but none of what is kept.
+        if (archive == followed->second.archive)
+            continue;
+        followed->second.archive = std::move(archive);
+        m_mustWrite = true;
     }
 }
 
@@ -141,16 +145,14 @@ void StateKeeper::takePicture()
 {
     m_gathering.stop();
     encodeChanged();
+    if (!m_mustWrite && !m_hasFailed)
+        return;
+    m_mustWrite = false;
     QJsonArray archives;
     for (const auto& job : m_model.jobs()) {
         if (const auto followed = m_followed.find(job.get()); followed != m_followed.end() && followed->second.archive)
             archives.append(*followed->second.archive);
     }
-    // Progress is a change of a row, but none of what is kept.
-    if (archives == m_lastPicture && !m_mustWrite && !m_hasFailed)
-        return;
-    m_mustWrite = false;
-    m_lastPicture = archives;
     m_sinceLastPicture.start();
     {
         const std::scoped_lock lock(m_mutex);
@@ -202,12 +204,12 @@ void StateKeeper::written(std::uint64_t number, const std::optional<Error>& erro
 {
     m_lastWritten = number;
     const bool failedBefore = std::exchange(m_hasFailed, error.has_value());
-    if (error) {
-        m_retry.start(retryTime);
-        if (!failedBefore) {
-            Log::error("Unable to save the jobs: {}", error->localizedDescription);
-            Q_EMIT writingFailed(*error);
-        }
-    }
     callWaiting(number);
+    if (!error)
+        return;
+    m_retry.start(retryTime);
+    if (failedBefore)
+        return;
+    Log::error("Unable to save the jobs: {}", error->localizedDescription);
+    Q_EMIT writingFailed(*error); // Last: the user may take hours to read it.
 }

@@ -84,9 +84,8 @@ private:
     const QString m_path;
     const std::shared_ptr<Changes> m_changes = std::make_shared<Changes>();
     std::unordered_map<const Job*, Followed> m_followed;
-    bool m_mustWrite = false; // the file may differ from the last picture
+    bool m_mustWrite = false; // the file may differ from the jobs
     bool m_hasFailed = false;
-    QJsonArray m_lastPicture;
     QTimer m_gathering;
     QTimer m_retry;
     QElapsedTimer m_sinceLastPicture;

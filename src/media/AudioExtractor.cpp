@@ -53,6 +53,17 @@ private:
     std::atomic<bool>& m_flag;
 };
 
+// What ffmpeg says of a sound file that it could not write whole. It may all the same end as if nothing were wrong.
+bool tellsOfBrokenOutput(const QString& line)
+{
+    for (const QStringView words : {u"No space left on device", u"Disk quota exceeded", u"File too large",
+                                    u"Error writing trailer", u"Error closing file", u"av_interleaved_write_frame()"}) {
+        if (line.contains(words))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 std::shared_ptr<AudioExtractor>
@@ -93,21 +104,6 @@ void AudioExtractor::extractInfo()
     MainThread::runAndWait([this] { m_inputMediaFile->setStreamsInfo(QStringLiteral("")); });
     runTask({QStringLiteral("-i"), sourcePath()});
 }
-
-namespace {
-
-// What ffmpeg says of a sound file that it could not write whole. It may all the same end as if nothing were wrong.
-bool tellsOfBrokenOutput(const QString& line)
-{
-    for (const QStringView words : {u"No space left on device", u"Disk quota exceeded", u"File too large",
-                                    u"Error writing trailer", u"Error closing file", u"av_interleaved_write_frame()"}) {
-        if (line.contains(words))
-            return true;
-    }
-    return false;
-}
-
-} // namespace
 
 void AudioExtractor::convertToMp3(const QString& path)
 {

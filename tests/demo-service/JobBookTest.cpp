@@ -154,6 +154,14 @@ TEST_F(JobBookTest, segmentsThatWereNotAnnouncedAreNotListed)
     EXPECT_EQ(book.statusReply(std::nullopt, start), "Depo: 883 Smith.txt Uploading\nSegment: 883 1 Uploading 0 -1\n");
 }
 
+TEST_F(JobBookTest, aJobCanBeForgotten)
+{
+    const int depo = addJob();
+    EXPECT_TRUE(book.forget(depo));
+    EXPECT_FALSE(book.has(depo));
+    EXPECT_FALSE(book.forget(depo));
+}
+
 TEST_F(JobBookTest, aJobCanBeVoidedOrHeld)
 {
     const int depo = addJob();

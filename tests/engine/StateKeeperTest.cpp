@@ -101,8 +101,13 @@ TEST_F(StateKeeperTest, AFullDiskHoldsNoSubmissionBack)
 {
     restartEngine();
     model().keepState(writeFile(u"occupied"_s, "x"));
+    // Nor does a user who has not read the error yet.
+    std::size_t sentWhenTold = 0;
+    services().whenPresented = [&](const Error&) { sentWhenTold = takeCommandsOf<SubmitJobDetailsCommand>().size(); };
     model().submitJobDetails(addJobAt(0, {u"a.mov"_s}, 0));
-    EXPECT_TRUE(Waiting::until([&] { return takeCommandsOf<SubmitJobDetailsCommand>().size() == 1; }));
+    EXPECT_TRUE(Waiting::until([&] { return errorTexts().size() == 1; }));
+    EXPECT_EQ(sentWhenTold, 1U);
+    services().whenPresented = nullptr;
 }
 
 TEST_F(StateKeeperTest, ADownloadBeginsOnlyWhenTheFileTellsOfIt)

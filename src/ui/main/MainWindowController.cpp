@@ -46,6 +46,7 @@ MainWindowController::MainWindowController(ApplicationController& application)
     for (const auto change : {&JobModel::jobRetried, &JobModel::jobRemoved})
         connect(&application.jobModel(), change, this, &MainWindowController::stoppedJobsChanged);
     connect(&application.jobModel(), &JobModel::jobStopped, this, &MainWindowController::stoppedJobsChanged);
+    connect(&application.jobModel(), &JobModel::deliveryHadProblems, this, &MainWindowController::stoppedJobsChanged);
 
     const SyncErrorList& errors = application.syncErrorList();
     connect(&errors, &SyncErrorList::errorInserted, this, [this] {
