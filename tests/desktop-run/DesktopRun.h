@@ -42,6 +42,7 @@ public:
     [[nodiscard]] QuillpostAppDelegate& delegate() { return *m_delegate; }
     [[nodiscard]] DemoService::Service& service() { return m_service; }
     [[nodiscard]] UserDefaults& defaults() { return *m_defaults; }
+    [[nodiscard]] QDir home() const { return QDir(m_home.path()); }
     // A copy of the sample transcript under this name, made once.
     [[nodiscard]] QString transcript(const QString& name) const;
     [[nodiscard]] static QWidget& window(const char* className);

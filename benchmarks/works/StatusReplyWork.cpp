@@ -1,0 +1,94 @@
+// Applies the service's reply to a status request to as many known jobs, with the list of jobs shown: once with every
+// word changed, once with the same words again. How long the main thread is taken up by it, and how long an event waits
+// at most until the list shows it all. Usage: quillpost-bench-statusreply DEPOSITIONS local|server [FILE-FOR-THE-REPLY]
+#include "works/ManyJobs.h"
+
+#include "engine/JobModel.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point begin)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+// How late a timer that is due again and again comes at most.
+class Heartbeat
+{
+public:
+    Heartbeat()
+    {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            m_worst = std::max(m_worst, millisecondsSince(m_before) - interval);
+            m_before = Clock::now();
+        });
+        m_timer.start(interval);
+    }
+    [[nodiscard]] double worst() const { return m_worst; }
+
+private:
+    static constexpr int interval = 1; // ms
+    QTimer m_timer;
+    Clock::time_point m_before = Clock::now();
+    double m_worst = 0;
+};
+
+struct Figures
+{
+    double applied; // ms
+    double longestTurn;
+};
+
+Figures apply(Bench::ManyJobs& jobs, const QString& reply)
+{
+    jobs.jobModel().setIsCheckingJobStatus(true);
+    const auto begin = Clock::now();
+    jobs.jobModel().processCheckJobsStatusOnServerResponse(reply);
+    const double applied = millisecondsSince(begin);
+    const Heartbeat heartbeat;
+    jobs.turnUntilShown();
+    return {applied, heartbeat.worst()};
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QStringList arguments = QCoreApplication::arguments();
+    const int count = arguments.value(1).toInt();
+    const QString kind = arguments.value(2);
+    if (count < 1 || (kind != QStringLiteral("local") && kind != QStringLiteral("server"))) {
+        std::fputs("usage: quillpost-bench-statusreply DEPOSITIONS local|server [FILE-FOR-THE-REPLY]\n", stderr);
+        return EXIT_FAILURE;
+    }
+    const QString reply = Bench::ManyJobs::statusReply(count, 1);
+    if (arguments.size() > 3) {
+        QFile file(arguments.at(3));
+        if (!file.open(QIODevice::WriteOnly) || file.write(reply.toUtf8()) < 0)
+            return EXIT_FAILURE;
+    }
+    Bench::ManyJobs jobs(count, kind == QStringLiteral("local") ? Bench::ManyJobs::Kind::Local
+                                                                : Bench::ManyJobs::Kind::Server);
+    const Figures changed = apply(jobs, reply);
+    const Figures unchanged = apply(jobs, reply);
+    const QJsonObject figures{{QStringLiteral("changedMilliseconds"), changed.applied},
+                              {QStringLiteral("changedLongestTurn"), changed.longestTurn},
+                              {QStringLiteral("unchangedMilliseconds"), unchanged.applied},
+                              {QStringLiteral("unchangedLongestTurn"), unchanged.longestTurn}};
+    std::puts(QJsonDocument(figures).toJson(QJsonDocument::Compact).constData());
+    std::fflush(stdout);
+    std::_Exit(EXIT_SUCCESS); // The end of thousands of jobs is none of what is measured.
+}
