@@ -3,8 +3,11 @@
 #include <QDir>
 #include <QFile>
 
+#include <cstdint>
 #include <fcntl.h>
+#include <linux/openat2.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 
@@ -49,6 +52,34 @@ std::optional<QStringList> ContainedFolder::componentsOfName(const QString& name
     return components;
 }
 
+namespace {
+
+// Opens what the components lead to in one call, which follows no link on the way. Not open where the system does not
+// know the call or refuses it, for whatever reason: the walk folder by folder then finds out.
+FileDescriptor openAtOnce(int folder, const QStringList& components, qsizetype count, std::uint64_t flags,
+                          std::uint64_t mode)
+{
+    const QByteArray path = QFile::encodeName(components.first(count).join(u'/'));
+    open_how how{.flags = flags, .mode = mode, .resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS};
+    return FileDescriptor(static_cast<int>(syscall(SYS_openat2, folder, path.constData(), &how, sizeof how)));
+}
+
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+// Without O_NONBLOCK a pipe of that name would wait for its reader.
+constexpr int writingFlags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+
+// What is not a regular file is left alone, so the file is emptied only when it is known to be one. An empty one is
+// not emptied again: file systems take that for the replacing of a file, and write it to the disk as it is closed.
+bool isEmptied(const FileDescriptor& file)
+{
+    struct stat status
+    {};
+    return file.isOpen() && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
+           (status.st_size == 0 || ftruncate(file.get(), 0) == 0);
+}
+
+} // namespace
+
 ContainedFolder::ContainedFolder(const QString& path)
 {
     QDir().mkpath(path);
@@ -58,13 +89,16 @@ ContainedFolder::ContainedFolder(const QString& path)
 FileDescriptor ContainedFolder::openFolder(const QStringList& components, qsizetype count, bool make,
                                            QList<QStringList>* made) const
 {
+    if (count > 0) {
+        if (FileDescriptor there = openAtOnce(m_folder.get(), components, count, folderFlags, 0); there.isOpen())
+            return there;
+    }
     FileDescriptor folder(fcntl(m_folder.get(), F_DUPFD_CLOEXEC, 0));
     for (qsizetype i = 0; i < count && folder.isOpen(); ++i) {
         const QByteArray name = QFile::encodeName(components.at(i));
         if (make && mkdirat(folder.get(), name.constData(), 0777) == 0 && made != nullptr)
             made->append(components.first(i + 1));
-        folder =
-            FileDescriptor(openat(folder.get(), name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        folder = FileDescriptor(openat(folder.get(), name.constData(), folderFlags));
     }
     return folder;
 }
@@ -103,16 +137,12 @@ FileDescriptor ContainedFolder::openForWriting(const QStringList& components) co
 {
     if (components.isEmpty())
         return FileDescriptor();
-    const FileDescriptor parent = openFolder(components, components.size() - 1, false);
-    if (!parent.isOpen())
-        return FileDescriptor();
-    // Without O_NONBLOCK a pipe of that name would wait for its reader. What is not a regular file is left alone, so
-    // the file is emptied only when it is known to be one.
-    FileDescriptor file(openat(parent.get(), QFile::encodeName(components.last()).constData(),
-                               O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
-    struct stat status
-    {};
-    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || ftruncate(file.get(), 0) != 0)
-        return FileDescriptor();
-    return file;
+    FileDescriptor file = openAtOnce(m_folder.get(), components, components.size(), writingFlags, 0666);
+    if (!file.isOpen()) {
+        const FileDescriptor parent = openFolder(components, components.size() - 1, false);
+        if (parent.isOpen())
+            file = FileDescriptor(
+                openat(parent.get(), QFile::encodeName(components.last()).constData(), writingFlags, 0666));
+    }
+    return isEmptied(file) ? std::move(file) : FileDescriptor();
 }

@@ -1,9 +1,26 @@
 #include "archive/ZipArchive.h"
 
+#include "archive/ReadAhead.h"
 #include "archive/ZipExtraction.h"
 #include "foundation/Log.h"
 
-#include <QFileInfo>
+#include <algorithm>
+#include <thread>
+
+namespace {
+
+// Starting threads takes longer than unpacking less.
+constexpr std::uint64_t sizeWorthThreads = 256ULL * 1024;
+// More than can be written as fast.
+constexpr unsigned mostReaders = 4;
+
+unsigned readersFor(std::uint64_t archiveSize)
+{
+    const unsigned processors = std::thread::hardware_concurrency();
+    return archiveSize < sizeWorthThreads || processors < 2 ? 0 : std::min(processors, mostReaders);
+}
+
+} // namespace
 
 void ZipArchiveDelegate::ErrorMessage(const QString& /*message*/) {}
 
@@ -16,14 +33,12 @@ bool ZipArchive::UnzipOpenFile(const QString& path)
 {
     m_unzippedFiles.clear();
     m_numFiles = 0;
-    m_unzFile.reset();
-    // Opening a pipe would wait for its writer.
-    const QFileInfo file(path);
-    m_archiveSize = static_cast<std::uint64_t>(file.size());
-    if (file.isFile())
-        m_unzFile.reset(unzOpen64(path.toUtf8().constData()));
-    if (!m_unzFile)
+    m_source.emplace(path);
+    m_unzFile = m_source->newHandle();
+    if (!m_unzFile) {
+        m_source.reset();
         return false;
+    }
     unz_global_info64 info{};
     if (unzGetGlobalInfo64(m_unzFile.get(), &info) == UNZ_OK) {
         m_numFiles = info.number_entry;
@@ -43,17 +58,30 @@ bool ZipArchive::UnzipFileTo(const QString& folder, bool overWrite)
     m_refusal.clear();
     m_numPassedOver = 0;
     const std::optional<std::uint64_t> freeSpace = m_freeSpace ? m_freeSpace(folder) : std::nullopt;
-    if (const auto refusal = ZipLimits::refusal(m_unzFile.get(), m_archiveSize, freeSpace)) {
+    const std::uint64_t archiveSize = m_source ? m_source->size() : 0;
+    if (const auto refusal = ZipLimits::refusal(m_unzFile.get(), archiveSize, freeSpace)) {
         m_refusal = *refusal;
         OutputErrorMessage(m_refusal);
         return false;
     }
-    return ZipExtraction(*this, folder, overWrite, ZipLimits::room(m_archiveSize, freeSpace)).run();
+    return ZipExtraction(*this, makeReader(), folder, overWrite, ZipLimits::room(archiveSize, freeSpace)).run();
+}
+
+std::unique_ptr<EntryReader> ZipArchive::makeReader() const
+{
+    if (m_unzFile && m_password.isEmpty()) {
+        if (const unsigned readers = m_readers.value_or(readersFor(m_source->size())); readers > 0) {
+            if (auto reader = ReadAhead::start(*m_source, readers))
+                return reader;
+        }
+    }
+    return std::make_unique<DirectReader>(m_unzFile, m_password.toUtf8());
 }
 
 bool ZipArchive::UnzipCloseFile()
 {
     m_password.clear();
+    m_source.reset();
     return !m_unzFile || unzClose(m_unzFile.release()) == UNZ_OK;
 }
 

@@ -3,6 +3,7 @@
 #include "archive/FileAttributes.h"
 #include "archive/ZipHandles.h"
 #include "archive/ZipLimits.h"
+#include "archive/ZipSource.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -14,6 +15,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+
+class EntryReader;
 
 // Told of errors and asked about existing files while an archive is open, on the thread that uses it. Each operation
 // may be left as it is.
@@ -28,8 +31,8 @@ public:
 
 // Reads zip archives into a folder, and writes them. What is unpacked stays inside its folder, whatever names the
 // entries bear and whatever links lie in it, and is made of folders and plain files only. One thread at a time; calls
-// block. Errors go to the delegate alone, in fixed words, and end in false. There is no file manager to hand in: files
-// are reached through the system alone.
+// block. Errors go to the delegate alone, in fixed words, and end in false. No other archive is opened from a callback.
+// There is no file manager to hand in: files are reached through the system alone.
 class ZipArchive
 {
 public:
@@ -79,6 +82,9 @@ public:
     [[nodiscard]] QString refusal() const { return m_refusal; }
     // How many entries the last extraction passed over because their files could not be opened.
     [[nodiscard]] std::uint64_t numPassedOver() const { return m_numPassedOver; }
+    // How many threads read entries ahead of the one that extracts, which alone touches the folder and calls back;
+    // nothing leaves it to the size of the archive and the number of processors. With a password none does.
+    void setReaders(std::optional<unsigned> readers) { m_readers = readers; }
     void setFreeSpace(ZipLimits::FreeSpace freeSpace) { m_freeSpace = std::move(freeSpace); }
 
     // Empty for none. ASCII only.
@@ -99,10 +105,13 @@ public:
 private:
     friend class ZipExtraction;
 
+    [[nodiscard]] std::unique_ptr<EntryReader> makeReader() const;
+
     ZipHandle m_zipFile;
+    std::optional<ZipSource> m_source; // what m_unzFile reads
     UnzHandle m_unzFile;
+    std::optional<unsigned> m_readers;
     std::uint64_t m_numFiles = 0;
-    std::uint64_t m_archiveSize = 0;
     std::uint64_t m_numPassedOver = 0;
     QString m_refusal;
     ZipLimits::FreeSpace m_freeSpace = &ZipLimits::freeSpaceOf;

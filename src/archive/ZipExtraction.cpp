@@ -5,6 +5,7 @@
 #include "foundation/PathText.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
@@ -16,7 +17,6 @@ namespace {
 
 // minizip knows the end of the list by the number of entries, but takes this number for "too many to say".
 constexpr std::uint64_t uncountedEntries = 0xffff;
-constexpr uLong encryptedFlag = 1;
 // An archive full of names that cannot be written must not fill the log.
 constexpr std::uint64_t mostWarnings = 20;
 constexpr qsizetype longestNameInLog = 200;
@@ -59,8 +59,9 @@ bool setModificationDate(int descriptor, const tm_unz& date)
 
 } // namespace
 
-ZipExtraction::ZipExtraction(ZipArchive& archive, QString folder, bool overWrite, std::uint64_t room)
-    : m_archive(archive), m_folder(std::move(folder)), m_overWrite(overWrite), m_room(room)
+ZipExtraction::ZipExtraction(ZipArchive& archive, std::unique_ptr<EntryReader> reader, QString folder, bool overWrite,
+                             std::uint64_t room)
+    : m_archive(archive), m_reader(std::move(reader)), m_folder(std::move(folder)), m_overWrite(overWrite), m_room(room)
 {}
 
 bool ZipExtraction::run()
@@ -79,11 +80,12 @@ ZipExtraction::Step ZipExtraction::extractEntry()
         m_success = false;
         return Step::End;
     };
-    if (!openEntry())
+    // A callback may have closed the archive.
+    if (!m_archive.m_unzFile || !m_reader->open())
         return end(QStringLiteral("Error occurs"));
     const std::optional<Entry> entry = readEntry();
     if (!entry) {
-        unzCloseCurrentFile(m_archive.m_unzFile.get());
+        (void)m_reader->close();
         return end(QStringLiteral("Error occurs while getting file info"));
     }
     makeFolders(*entry);
@@ -101,41 +103,13 @@ ZipExtraction::Step ZipExtraction::extractEntry()
         // The entry stays open: it is closed with the archive.
         m_success = false;
         step = Step::End;
-    } else if (closeEntry() != UNZ_OK) {
+    } else if (m_reader->close() != UNZ_OK) {
         return end(QStringLiteral("file was unzipped but failed crc check"));
     } else {
         step = goToNextEntry();
     }
     reportProgress();
     return step;
-}
-
-bool ZipExtraction::openEntry()
-{
-    const unzFile file = m_archive.m_unzFile.get();
-    const QString password = m_archive.password();
-    unz_file_info64 info{};
-    const bool isEncrypted = unzGetCurrentFileInfo64(file, &info, nullptr, 0, nullptr, 0, nullptr, 0) == UNZ_OK &&
-                             (info.flag & encryptedFlag) != 0;
-    m_encrypted.reset();
-    if (password.isEmpty() || !isEncrypted)
-        return unzOpenCurrentFile(file) == UNZ_OK;
-    if (std::any_of(password.begin(), password.end(), [](QChar c) { return c.unicode() >= 0x80; }))
-        return false;
-    m_encrypted = EncryptedEntry::open(file, password.toLatin1());
-    return m_encrypted != nullptr;
-}
-
-int ZipExtraction::readFromEntry()
-{
-    const auto size = static_cast<unsigned>(m_buffer.size());
-    return m_encrypted ? m_encrypted->read(m_buffer.data(), size)
-                       : unzReadCurrentFile(m_archive.m_unzFile.get(), m_buffer.data(), size);
-}
-
-int ZipExtraction::closeEntry()
-{
-    return m_encrypted ? m_encrypted->close() : unzCloseCurrentFile(m_archive.m_unzFile.get());
 }
 
 std::optional<ZipExtraction::Entry> ZipExtraction::readEntry() const
@@ -219,8 +193,8 @@ FileDescriptor ZipExtraction::openOutput(const Entry& entry)
 ZipExtraction::Transfer ZipExtraction::transfer(const Entry& entry, FileDescriptor& output)
 {
     for (bool isFirst = true;; isFirst = false) {
-        const int read = readFromEntry();
-        if (read < 0) {
+        const EntryReader::Piece piece = m_reader->read();
+        if (piece.size < 0) {
             m_archive.OutputErrorMessage(QStringLiteral("Failed to read zip file"));
             return Transfer::Failed;
         }
@@ -230,17 +204,25 @@ ZipExtraction::Transfer ZipExtraction::transfer(const Entry& entry, FileDescript
             if (!output.isOpen())
                 return Transfer::Skipped;
         }
-        if (read == 0)
+        if (piece.size == 0)
             return Transfer::Done;
-        // Also what is not written, the data of a folder say, takes its time to read.
-        if (static_cast<std::uint64_t>(read) > m_room)
-            return Transfer::Refused;
-        m_room -= static_cast<std::uint64_t>(read);
-        if (output.isOpen() && !writeAll(output.get(), m_buffer.data(), static_cast<std::size_t>(read))) {
-            m_archive.OutputErrorMessage(QStringLiteral("Failed to write output file"));
-            return Transfer::Failed;
-        }
+        if (const Transfer kept = keep(piece, output); kept != Transfer::Done)
+            return kept;
     }
+}
+
+ZipExtraction::Transfer ZipExtraction::keep(const EntryReader::Piece& piece, const FileDescriptor& output)
+{
+    // The steps that there is room for come before the one that there is none for. Also what is not written, the data
+    // of a folder say, takes its time to read.
+    const auto size = static_cast<std::uint64_t>(piece.size);
+    const std::uint64_t kept = size <= m_room ? size : m_room - m_room % EntryReader::stepSize;
+    m_room -= kept;
+    if (output.isOpen() && !writeAll(output.get(), piece.data, static_cast<std::size_t>(kept))) {
+        m_archive.OutputErrorMessage(QStringLiteral("Failed to write output file"));
+        return Transfer::Failed;
+    }
+    return kept == size ? Transfer::Done : Transfer::Refused;
 }
 
 bool ZipExtraction::finishFile(const Entry& entry, FileDescriptor& output)

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "archive/ContainedFolder.h"
-#include "archive/EncryptedEntry.h"
+#include "archive/EntryReader.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <unzip.h>
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -19,8 +19,9 @@ class ZipArchive;
 class ZipExtraction
 {
 public:
-    // `room` is how many bytes may be written.
-    ZipExtraction(ZipArchive& archive, QString folder, bool overWrite, std::uint64_t room);
+    // The reader stands before the first entry. `room` is how many bytes may be written.
+    ZipExtraction(ZipArchive& archive, std::unique_ptr<EntryReader> reader, QString folder, bool overWrite,
+                  std::uint64_t room);
 
     // False when an entry could not be read, or written, to its end. An archive that unpacks to more than there is
     // room for is refused: what was written of it is removed.
@@ -38,13 +39,12 @@ private:
     enum class Transfer { Done, Skipped, Failed, Refused };
     enum class Step { GoOn, End };
 
-    bool openEntry();
-    [[nodiscard]] int readFromEntry();
-    [[nodiscard]] int closeEntry();
     [[nodiscard]] std::optional<Entry> readEntry() const;
     [[nodiscard]] QString decodedName(const QByteArray& name) const;
     [[nodiscard]] FileDescriptor openOutput(const Entry& entry);
     [[nodiscard]] Transfer transfer(const Entry& entry, FileDescriptor& output);
+    // Keeps a piece, if only in the account of what was unpacked.
+    [[nodiscard]] Transfer keep(const EntryReader::Piece& piece, const FileDescriptor& output);
     void makeFolders(const Entry& entry);
     void passOver(const Entry& entry);
     void refuse();
@@ -55,6 +55,7 @@ private:
     void reportProgress();
 
     ZipArchive& m_archive;
+    std::unique_ptr<EntryReader> m_reader;
     QString m_folder;
     bool m_overWrite;
     std::uint64_t m_room;
@@ -62,9 +63,6 @@ private:
     QList<QStringList> m_madeFolders;
     QList<QStringList> m_writtenFiles;
     std::optional<ContainedFolder> m_contained;
-    // The current entry where a password is needed to read it.
-    std::unique_ptr<EncryptedEntry> m_encrypted;
-    std::array<char, 4096> m_buffer{};
     std::uint64_t m_entriesWalked = 0;
     std::uint64_t m_filesDone = 0;
     bool m_success = true;
