@@ -14,16 +14,16 @@ struct ChildRun
     double seconds = 0;       // from its start to its end
     double cpuSeconds = 0;    // its own and that of the programs it waited for
     double peakMegabytes = 0; // the largest resident set of one process among these
-    QByteArray output;        // what it wrote to standard output
+    QByteArray output{};      // what it wrote to standard output
     // The last line of the output, for a program that reports its figures as one JSON object there.
     [[nodiscard]] QJsonObject report() const;
 };
 
 struct ChildOptions
 {
-    QString folder; // to run in; the own one when empty
+    QString folder{}; // to run in; the own one when empty
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    QByteArray input; // its standard input
+    QByteArray input{}; // its standard input
 };
 
 // Runs a program by name or path and waits for its end. A program that cannot be started or does not end with 0 ends

@@ -14,9 +14,9 @@ struct Context
 {
     int runs = 5;     // pairs
     double scale = 1; // of the sizes; 1 is what the table is about
-    QDir programs;    // where the programs of the build are
-    QDir samples;     // the sample transcripts
-    QDir folder;      // for the files that are worked on; kept between runs where it is safe to
+    QDir programs{};  // where the programs of the build are
+    QDir samples{};   // the sample transcripts
+    QDir folder{};    // for the files that are worked on; kept between runs where it is safe to
 
     [[nodiscard]] QString program(const QString& name) const { return programs.filePath(name); }
 };

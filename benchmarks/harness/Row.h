@@ -19,14 +19,14 @@ enum class Goal {
 // One line of the table: a figure of ours beside that of another program, from runs that were taken in turn.
 struct Row
 {
-    QString number; // "3" or "3 memory"
-    QString work;   // what was done
-    QString beside; // the other program; empty when ours stands alone
-    QString unit;   // "s", "ms", "MB", "%"
+    QString number{}; // "3" or "3 memory"
+    QString work{};   // what was done
+    QString beside{}; // the other program; empty when ours stands alone
+    QString unit{};   // "s", "ms", "MB", "%"
     Goal goal = Goal::None;
     double limit = 0;
-    std::vector<double> ours;   // one figure of each run
-    std::vector<double> others; // of the run taken together with it; empty when ours stands alone
+    std::vector<double> ours{};   // one figure of each run
+    std::vector<double> others{}; // of the run taken together with it; empty when ours stands alone
 
     [[nodiscard]] double oursMedian() const;
     [[nodiscard]] std::optional<double> othersMedian() const;
