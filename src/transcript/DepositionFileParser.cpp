@@ -5,6 +5,7 @@
 #include "foundation/Text.h"
 #include "transcript/DeponentName.h"
 #include "transcript/LineWords.h"
+#include "transcript/PhraseSearch.h"
 #include "transcript/TranscriptText.h"
 
 #include <algorithm>
@@ -47,7 +48,8 @@ struct FoundDate
 const Month* monthOfWord(QStringView word)
 {
     // No letter lowercases to fewer code units, so a longer word is no month.
-    if (word.size() < 3 || word.size() > 9)
+    // Of all letters, only the ASCII one lowercases to the first of a month's name.
+    if (word.size() < 3 || word.size() > 9 || !QStringView(u"jfmasondJFMASOND").contains(word.front()))
         return nullptr;
     const QString lower = word.toString().toLower();
     const auto* const month = std::find_if(months.begin(), months.end(),
@@ -109,6 +111,10 @@ FoundDate dateOnLines(const QStringList& lines, qsizetype startLine, qsizetype e
 std::optional<QString> nameAfterPhrase(const QString& line)
 {
     static const QString phrase = QStringLiteral("deposition of");
+    static const PhraseSearch search(phrase, PhraseSearch::Letters::Lowercase);
+    // Few lines are worth a lowercase form: of all letters, only the ASCII ones lowercase to those of the phrase.
+    if (!search.isIn(line))
+        return std::nullopt;
     const QString lower = line.toLower();
     qsizetype position = lower.indexOf(phrase);
     if (position < 0)
@@ -135,6 +141,24 @@ QString continuation(const QStringList& lines, qsizetype line)
     return DeponentName::withoutMarginNumbers(next);
 }
 
+// The text cut at each "\r\n". The lines are views of the text, which outlives them: a copy of each would take as much
+// memory again as all of it.
+QStringList linesOf(const QString& text)
+{
+    const QStringView view(text);
+    QStringList lines;
+    qsizetype begin = 0;
+    for (qsizetype at = view.indexOf(u'\r'); at >= 0 && at + 1 < view.size(); at = view.indexOf(u'\r', at)) {
+        if (view.at(at + 1) == u'\n') {
+            lines << QString::fromRawData(text.constData() + begin, at - begin);
+            begin = at + 2;
+        }
+        at = std::max(at + 1, begin);
+    }
+    lines << QString::fromRawData(text.constData() + begin, text.size() - begin);
+    return lines;
+}
+
 } // namespace
 
 std::shared_ptr<DepositionFileParser> DepositionFileParser::depositionFileParserWithFilePath(const QString& path)
@@ -144,7 +168,7 @@ try {
         Log::error("Error {}", reading.error);
         return nullptr;
     }
-    const QStringList lines = reading.text->split(QStringLiteral("\r\n"));
+    const QStringList lines = linesOf(*reading.text);
     auto parser = std::make_shared<DepositionFileParser>();
     const qsizetype deponentLine = parser->findDeponent(lines);
     parser->findDepoDate(lines, std::max<qsizetype>(deponentLine - linesAround, 0),
@@ -189,9 +213,10 @@ QStringList DepositionFileParser::wordArray(const QString& text)
 
 int DepositionFileParser::findDeponent(const QStringList& lines)
 {
+    static const PhraseSearch mark(u"30(b)(6)", PhraseSearch::Letters::AsWritten);
     bool corporateWitness = false;
     for (qsizetype i = 0; i < lines.size(); ++i) {
-        corporateWitness = corporateWitness || lines.at(i).contains(u"30(b)(6)");
+        corporateWitness = corporateWitness || mark.isIn(lines.at(i));
         std::optional<QString> name = nameAfterPhrase(lines.at(i));
         if (!name)
             continue;

@@ -17,7 +17,8 @@ std::optional<TranscriptPrefill::Reading> TranscriptPrefill::read(const QString&
         reading.firstName = parser->deponentFirstName();
         reading.lastName = parser->deponentLastName();
         reading.dateString = parser->dateString();
-        reading.date = DateText::readLeniently(reading.dateString);
+        if (!reading.dateString.isEmpty())
+            reading.date = DateText::readLeniently(reading.dateString);
     } catch (const DeponentNameOutOfRange&) {
         reading.isOutOfRange = true;
     }

@@ -56,6 +56,14 @@ bool isAscii(char c)
     return static_cast<unsigned char>(c) < 0x80;
 }
 
+bool isAllAscii(QByteArrayView bytes)
+{
+    unsigned char all = 0;
+    for (const char c : bytes)
+        all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
+    return all < 0x80;
+}
+
 // A few curly quotes, dashes and accents in English make statistical detection guess at random; only a text whose
 // letters are mostly not ASCII tells enough about itself.
 bool isMostlyForeign(QByteArrayView bytes)
@@ -142,7 +150,9 @@ std::optional<QString> TranscriptText::decode(QByteArrayView bytes)
         if (auto text = decodeStrictly(bytes, wide))
             return text;
     }
-    // ASCII is found here too.
+    // What most transcripts are; also valid UTF-8, which takes longer to find out.
+    if (isAllAscii(bytes))
+        return QString::fromLatin1(bytes);
     if (auto text = decodeStrictly(bytes, "UTF-8"))
         return text;
     if (isMostlyForeign(bytes)) {

@@ -72,6 +72,15 @@ TEST_F(TranscriptFile, LineFeedsAloneMakeOneLineWithoutADate)
     EXPECT_EQ(summary("Deposition of Jane Doe, taken\ron May 3, 2011\rin Reno\r"), "Jane|Doe|none");
 }
 
+TEST_F(TranscriptFile, OnlyACarriageReturnAndALineFeedTogetherEndALine)
+{
+    EXPECT_EQ(summary("Deposition of\r\nJane Doe\r\nMay 5, 2010\r\n"), "Jane|Doe|05 may 2010");
+    EXPECT_EQ(summary("\rDeposition of\r\n\rJane Doe\r\nMay 5, 2010\r\n\r"), "Jane|Doe|05 may 2010");
+    EXPECT_EQ(summary("\n\rDeposition of\r\nJane Doe\n\rMay 5, 2010\r\n"), "Jane|Doe\n\rMay|05 may 2010");
+    EXPECT_EQ(summary("Deposition of\r\r\nJane Doe\r\nMay 5, 2010\r\n\r\n"), "||05 may 2010");
+    EXPECT_EQ(summary("May 5, 2010\r\nDeposition of Jane Doe\r"), "Jane|Doe|05 may 2010");
+}
+
 TEST_F(TranscriptFile, OneLineHasNoDate)
 {
     EXPECT_EQ(summary("May 3, 2011"), "||none");
