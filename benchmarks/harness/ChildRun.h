@@ -11,10 +11,11 @@ namespace Bench {
 // What a program that ran to its end took.
 struct ChildRun
 {
-    double seconds = 0;       // from its start to its end
-    double cpuSeconds = 0;    // its own and that of the programs it waited for
-    double peakMegabytes = 0; // the largest resident set of one process among these
-    QByteArray output{};      // what it wrote to standard output
+    double seconds = 0;    // from its start to its end
+    double cpuSeconds = 0; // its own and that of the programs it waited for
+    // The largest resident set of one process among these; never less than what this process holds meanwhile.
+    double peakMegabytes = 0;
+    QByteArray output{}; // what it wrote to standard output
     // The last line of the output, for a program that reports its figures as one JSON object there.
     [[nodiscard]] QJsonObject report() const;
 };

@@ -21,6 +21,9 @@ namespace {
 // Newer libraries stop at thirty redirections by themselves; this one would follow a loop for ever.
 constexpr long maximumRedirections = 30;
 
+// An upload reports its progress for each buffer that it fills, and waits while the main thread hears of it.
+constexpr long uploadBufferSize = 1L << 20;
+
 // A function and its data go together: libcurl's own function would take the command for a file. None can be refused.
 constexpr std::array callbackOptions{CURLOPT_WRITEFUNCTION, CURLOPT_WRITEDATA,     CURLOPT_PROGRESSFUNCTION,
                                      CURLOPT_PROGRESSDATA,  CURLOPT_DEBUGFUNCTION, CURLOPT_DEBUGDATA};
@@ -125,6 +128,7 @@ void CUrlCommand::execute()
         return;
     m_result = curl_easy_setopt(m_curlObject.get(), CURLOPT_URL, url().toUtf8().constData());
     handleErrorIfAny();
+    curl_easy_setopt(m_curlObject.get(), CURLOPT_UPLOAD_BUFFERSIZE, uploadBufferSize);
     if (m_isVerbose)
         curl_easy_setopt(m_curlObject.get(), CURLOPT_VERBOSE, 1L);
     watchSockets();

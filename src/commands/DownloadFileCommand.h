@@ -15,6 +15,8 @@ public:
     downloadFileCommandWithUser(const ServiceHosts& hosts, const QString& user, const QString& password, int depoNum,
                                 int fileNum, const QString& filePath);
 
+    // See DownloadedFile. Before execute().
+    void setBuffer(const std::shared_ptr<TransferBuffer>& buffer) { m_downloadedFile.setBuffer(buffer); }
     void execute() override;
     // False where the local file could not be made.
     [[nodiscard]] bool isFileMade() const { return m_downloadedFile.isMade(); }

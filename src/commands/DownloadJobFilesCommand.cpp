@@ -239,6 +239,7 @@ void DownloadJobFilesCommand::downloadResultFile(int number, const QString& list
     Log::info("Start downloading file: {}", destination);
     const auto download = DownloadFileCommand::downloadFileCommandWithUser(m_hosts, m_username, m_password, depoNum(),
                                                                            number, destination);
+    download->setBuffer(m_buffer);
     executeNested(download);
     Log::info("Done downloading file: {}", destination);
     if (!download->isFileMade()) {
@@ -299,6 +300,7 @@ void DownloadJobFilesCommand::downloadDemoDiscFiles(const QString& jobFolderPath
         Log::info("Start downloading file: {}", url);
         const QString destination = PathText::appendingPathComponent(folder, PathText::lastPathComponent(file.path));
         const auto download = RegularDownloadFileCommand::RegularDownloadFileCommandWithURL(url, destination);
+        download->setBuffer(m_buffer);
         executeNested(download);
         Log::info("Done downloading file: {}", url);
         if (download->isFileMade())

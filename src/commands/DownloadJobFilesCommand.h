@@ -67,6 +67,8 @@ private:
     const std::shared_ptr<Job> m_job;
     const QString m_folderPath;
     QStringList m_problems;
+    // Of each file in turn: memory that was taken once is not taken from the system again for the next.
+    const std::shared_ptr<TransferBuffer> m_buffer = std::make_shared<TransferBuffer>();
 
     std::mutex m_nestedMutex;
     std::shared_ptr<CUrlCommand> m_nested; // guarded by m_nestedMutex

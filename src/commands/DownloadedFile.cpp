@@ -4,18 +4,7 @@
 
 #include <QFileInfo>
 
-#include <new>
-
-namespace {
-
-constexpr qsizetype initialCapacity = 16384;
-
-} // namespace
-
-DownloadedFile::DownloadedFile()
-{
-    m_downloadedData.reserve(initialCapacity);
-}
+#include <fcntl.h>
 
 bool DownloadedFile::create(const QString& path)
 {
@@ -25,25 +14,23 @@ bool DownloadedFile::create(const QString& path)
 
 std::size_t DownloadedFile::append(const char* bytes, std::size_t size, std::size_t number)
 {
-    try {
-        m_downloadedData.append(bytes, static_cast<qsizetype>(size * number));
-    } catch (const std::bad_alloc&) {
-        return 0; // An exception must not cross the transfer library; taking nothing fails the transfer.
-    }
-    return size * number;
+    // Taking nothing fails the transfer.
+    return m_downloadedData->append(bytes, size * number) ? size * number : 0;
 }
 
 void DownloadedFile::writeOut()
 {
     if (!m_outputFile.isOpen())
         return;
-    m_receivedSize = m_downloadedData.size();
+    m_receivedSize = static_cast<qsizetype>(m_downloadedData->size());
     m_outputFile.seek(m_outputFile.size());
-    if (m_outputFile.write(m_downloadedData) != m_receivedSize)
+    if (m_outputFile.write(m_downloadedData->data(), m_receivedSize) != m_receivedSize)
         m_trouble = m_outputFile.errorString();
     else if (QFileInfo(m_outputFile.fileName()).size() < m_receivedSize)
         m_trouble = QStringLiteral("its folder was taken away meanwhile"); // The handle outlives folder and volume.
     if (!m_trouble.isEmpty())
         Log::error("Unable to write file: {}, error = {}", m_outputFile.fileName(), m_trouble);
-    m_downloadedData.clear();
+    m_downloadedData->clear();
+    // A delivery is flushed whole before the service hears of it: by then most of it is on disk.
+    ::sync_file_range(m_outputFile.handle(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }

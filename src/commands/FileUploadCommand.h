@@ -2,6 +2,7 @@
 
 #include "commands/CUrlCommand.h"
 #include "commands/MultipartForm.h"
+#include "commands/TransferBuffer.h"
 #include "settings/ServiceHosts.h"
 
 #include <optional>
@@ -20,7 +21,7 @@ protected:
     {
         QString path;
         qint64 size = 0; // from its attributes
-        QByteArray data;
+        TransferBuffer data;
     };
     // Nothing for a file that cannot be read, after an error line.
     [[nodiscard]] static std::optional<File> readFile(const QString& path);

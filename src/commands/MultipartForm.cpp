@@ -4,6 +4,9 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
+#include <cstring>
+
 MultipartForm::~MultipartForm()
 {
     curl_formfree(m_post);
@@ -14,9 +17,32 @@ void MultipartForm::addText(const char* name, const QByteArray& value)
     curl_formadd(&m_post, &m_last, CURLFORM_COPYNAME, name, CURLFORM_COPYCONTENTS, value.constData(), CURLFORM_END);
 }
 
-void MultipartForm::addFile(const char* name, const QByteArray& fileName, const QByteArray& bytes)
+// Not as CURLFORM_BUFFER, which libcurl copies whole for the transfer: each upload would hold its file twice.
+void MultipartForm::addFile(const char* name, const QByteArray& fileName, std::string_view bytes)
 {
-    curl_formadd(&m_post, &m_last, CURLFORM_COPYNAME, name, CURLFORM_BUFFER, fileName.constData(), CURLFORM_BUFFERPTR,
-                 bytes.constData(), CURLFORM_BUFFERLENGTH, static_cast<long>(bytes.size()), CURLFORM_CONTENTTYPE,
+    m_file = bytes;
+    if (bytes.empty()) { // A length of 0 would mean that libcurl does not know it.
+        curl_formadd(&m_post, &m_last, CURLFORM_COPYNAME, name, CURLFORM_BUFFER, fileName.constData(),
+                     CURLFORM_BUFFERPTR, "", CURLFORM_BUFFERLENGTH, 0L, CURLFORM_CONTENTTYPE,
+                     "application/octet-stream", CURLFORM_END);
+        return;
+    }
+    curl_formadd(&m_post, &m_last, CURLFORM_COPYNAME, name, CURLFORM_STREAM, this, CURLFORM_CONTENTLEN,
+                 static_cast<curl_off_t>(bytes.size()), CURLFORM_FILENAME, fileName.constData(), CURLFORM_CONTENTTYPE,
                  "application/octet-stream", CURLFORM_END);
+}
+
+std::size_t MultipartForm::readBytes(char* place, std::size_t size, std::size_t number, void* form)
+{
+    auto* const self = static_cast<MultipartForm*>(form);
+    const std::size_t count = std::min(size * number, self->m_file.size() - self->m_read);
+    std::memcpy(place, self->m_file.data() + self->m_read, count);
+    self->m_read += count;
+    return count;
+}
+
+int MultipartForm::rewind(void* form, char* /*remote*/, char* /*local*/, int /*remotePort*/, int /*localPort*/)
+{
+    static_cast<MultipartForm*>(form)->m_read = 0;
+    return CURL_PREREQFUNC_OK;
 }

@@ -13,6 +13,8 @@ public:
     [[nodiscard]] static std::shared_ptr<RegularDownloadFileCommand>
     RegularDownloadFileCommandWithURL(const QString& url, const QString& destinationPath);
 
+    // See DownloadedFile. Before execute().
+    void setBuffer(const std::shared_ptr<TransferBuffer>& buffer) { m_downloadedFile.setBuffer(buffer); }
     void execute() override;
     // False where the local file could not be made, as where its folder is missing.
     [[nodiscard]] bool isFileMade() const { return m_downloadedFile.isMade(); }

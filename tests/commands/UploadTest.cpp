@@ -4,6 +4,7 @@
 #include "commands/UploadCommand.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -119,6 +120,48 @@ TEST_F(UploadTest, TheFileIsSentAsItWasWhenTheCommandWasMade)
     command->execute();
     EXPECT_EQ(partsSent().at(2), "file_size|||6");
     EXPECT_EQ(partsSent().at(3), "file|x.mp3|application/octet-stream|before");
+}
+
+TEST_F(UploadTest, AFileThatGrewSinceItsSizeWasTakenIsReadToItsEnd)
+{
+    // What the system makes up as it is read has no size.
+    const QString path = u"/proc/self/limits"_s;
+    ASSERT_EQ(QFileInfo(path).size(), 0);
+    const auto command = upload(path, u"5120-883-1-a.mp3"_s);
+    ASSERT_TRUE(command);
+    command->execute();
+    EXPECT_NE(partsSent().at(3).find("Max open files"), std::string::npos);
+}
+
+// The method and the body stay the same on these, so the file has to be sent once more, from its beginning.
+TEST_F(UploadTest, AfterARedirectThatKeepsTheRequestTheWholeFileIsSentAgain)
+{
+    const QByteArray bytes(3'000'000, 'a');
+    service.addOverride("test_custupload2.php",
+                        {.status = 307, .location = service.secureHost() + "/saltine/elsewhere.php", .times = 1});
+    service.addOverride("elsewhere.php", {.reply = "UPLOAD COMPLETE"});
+    const auto command = upload(writeFile(u"a.mp3"_s, bytes), u"5120-883-1-a.mp3"_s);
+    ASSERT_TRUE(command);
+    command->execute();
+    EXPECT_EQ(command->result(), 0);
+    const auto requests = service.requests("elsewhere.php");
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests.front().method, "POST");
+    ASSERT_EQ(requests.front().parts.size(), 5U);
+    EXPECT_TRUE(requests.front().parts.at(3).content == bytes.toStdString());
+}
+
+TEST_F(UploadTest, AnEmptyFileSurvivesSuchARedirectToo)
+{
+    service.addOverride("test_custupload2.php",
+                        {.status = 308, .location = service.secureHost() + "/saltine/elsewhere.php", .times = 1});
+    const auto command = upload(writeFile(u"a.mp3"_s, {}), u"5120-883-1-a.mp3"_s);
+    ASSERT_TRUE(command);
+    command->execute();
+    const auto requests = service.requests("elsewhere.php");
+    ASSERT_EQ(requests.size(), 1U);
+    ASSERT_EQ(requests.front().parts.size(), 5U);
+    EXPECT_EQ(requests.front().parts.at(3).content, "");
 }
 
 TEST_F(UploadTest, UploadsReportTheirProgressOnTheMainThread)
