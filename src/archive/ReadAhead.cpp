@@ -5,13 +5,6 @@
 #include <system_error>
 #include <utility>
 
-namespace {
-
-// Enough that the threads find work while the caller makes the file of a small entry.
-constexpr std::size_t entriesAhead = 16;
-
-} // namespace
-
 std::unique_ptr<ReadAhead> ReadAhead::start(const ZipSource& source, unsigned threads)
 {
     std::vector<UnzHandle> handles;
@@ -30,7 +23,7 @@ std::unique_ptr<ReadAhead> ReadAhead::start(const ZipSource& source, unsigned th
     return reader;
 }
 
-ReadAhead::ReadAhead(std::vector<UnzHandle> handles) : m_handles(std::move(handles)), m_slots(entriesAhead)
+ReadAhead::ReadAhead(std::vector<UnzHandle> handles) : m_handles(std::move(handles))
 {
     for (Slot& slot : m_slots)
         slot.bytes = std::make_unique_for_overwrite<char[]>(piecesAhead * pieceSize);
@@ -42,19 +35,30 @@ ReadAhead::~ReadAhead()
     {
         const std::scoped_lock lock(m_mutex);
         m_ends = true;
+        m_slotsFree.notify_all();
+        for (Slot& slot : m_slots)
+            slot.somethingTaken.notify_one();
     }
-    m_somethingFree.notify_all();
     for (std::thread& thread : m_threads)
         thread.join();
 }
 
 // On the caller's thread.
 
+template <typename Condition>
+void ReadAhead::await(std::unique_lock<std::mutex>& lock, const Slot& slot, Condition condition)
+{
+    m_awaited = &slot;
+    m_somethingRead.wait(lock, condition);
+    m_awaited = nullptr;
+}
+
 bool ReadAhead::open()
 {
     std::unique_lock lock(m_mutex);
     const Slot& slot = slotOf(m_callersEntry);
-    m_somethingRead.wait(lock, [&] { return slot.opening != Slot::Opening::NotYet; });
+    // With pieces, or its end, there is something to go on with.
+    await(lock, slot, [&] { return slot.opening == Slot::Opening::Failed || slot.isWorthWaking(); });
     return slot.opening == Slot::Opening::Opened;
 }
 
@@ -64,53 +68,48 @@ EntryReader::Piece ReadAhead::read()
     Slot& slot = slotOf(m_callersEntry);
     if (std::exchange(m_holdsPiece, false)) {
         ++slot.taken;
-        m_somethingFree.notify_all();
+        if (slot.waiting() == piecesAhead / 2)
+            slot.somethingTaken.notify_one();
     }
-    m_somethingRead.wait(lock, [&] { return slot.taken < slot.filled || slot.isRead; });
-    if (slot.taken == slot.filled)
+    if (slot.waiting() == 0)
+        await(lock, slot, [&] { return slot.isWorthWaking(); });
+    if (slot.waiting() == 0)
         return {.data = nullptr, .size = slot.end};
     m_holdsPiece = true;
     const std::size_t place = slot.taken % piecesAhead;
-    return {.data = slot.bytes.get() + place * pieceSize, .size = slot.sizes[place]};
+    return {.data = slot.bytes.get() + place * pieceSize, .size = slot.sizes.at(place)};
 }
 
 int ReadAhead::close()
 {
     std::unique_lock lock(m_mutex);
     Slot& slot = slotOf(m_callersEntry);
+    const bool wasReadToItsEnd = slot.isRead && slot.waiting() == 0;
     slot.isLeft = true;
+    slot.somethingTaken.notify_one();
     m_holdsPiece = false;
-    m_somethingFree.notify_all();
-    const bool wasReadToItsEnd = slot.isRead && slot.taken == slot.filled;
-    m_somethingRead.wait(lock, [&] { return slot.isRead; });
+    // Another thread may take the slot only when this one is done with it.
+    await(lock, slot, [&] { return slot.isRead; });
     const int closing = wasReadToItsEnd || slot.fitsOneStep ? slot.closing : UNZ_OK;
     slot.opening = Slot::Opening::NotYet;
+    slot.isRead = false;
+    slot.filled = slot.taken = 0;
     ++m_callersEntry;
-    m_somethingFree.notify_all();
+    if (freeSlots() >= entriesAhead / 2)
+        m_slotsFree.notify_all();
     return closing;
 }
 
 // On the threads.
 
-bool ReadAhead::takeEntry(std::uint64_t& entry)
-{
-    std::unique_lock lock(m_mutex);
-    m_somethingFree.wait(lock, [&] { return m_ends || m_nextEntry < m_callersEntry + m_slots.size(); });
-    if (m_ends)
-        return false;
-    entry = m_nextEntry++;
-    return true;
-}
-
 void ReadAhead::work(unzFile file)
 {
     int found = unzGoToFirstFile(file);
     std::uint64_t at = 0;
-    std::uint64_t entry = 0;
-    while (takeEntry(entry)) {
-        for (; at < entry; ++at)
+    while (const auto entry = takeEntry()) {
+        for (; at < *entry; ++at)
             found = unzGoToNextFile(file);
-        Slot& slot = slotOf(entry);
+        Slot& slot = slotOf(*entry);
         const bool isOpened = found == UNZ_OK && unzOpenCurrentFile(file) == UNZ_OK;
         publishOpening(slot, isOpened);
         // What cannot be opened ends the extraction.
@@ -120,27 +119,12 @@ void ReadAhead::work(unzFile file)
     }
 }
 
-void ReadAhead::publishOpening(Slot& slot, bool isOpened)
-{
-    {
-        const std::scoped_lock lock(m_mutex);
-        slot.filled = 0;
-        slot.taken = 0;
-        slot.isRead = false;
-        slot.end = 0;
-        slot.closing = UNZ_OK;
-        slot.fitsOneStep = false;
-        slot.isLeft = false;
-        slot.opening = isOpened ? Slot::Opening::Opened : Slot::Opening::Failed;
-    }
-    m_somethingRead.notify_one();
-}
-
-char* ReadAhead::freePiece(Slot& slot)
+std::optional<std::uint64_t> ReadAhead::takeEntry()
 {
     std::unique_lock lock(m_mutex);
-    m_somethingFree.wait(lock, [&] { return m_ends || slot.isLeft || slot.filled < slot.taken + piecesAhead; });
-    return m_ends || slot.isLeft ? nullptr : slot.bytes.get() + slot.filled % piecesAhead * pieceSize;
+    if (freeSlots() == 0)
+        m_slotsFree.wait(lock, [&] { return m_ends || freeSlots() >= entriesAhead / 2; });
+    return m_ends ? std::nullopt : std::optional(m_nextEntry++);
 }
 
 void ReadAhead::readEntry(unzFile file, Slot& slot)
@@ -152,23 +136,57 @@ void ReadAhead::readEntry(unzFile file, Slot& slot)
         read = pieces.read(file, place, pieceSize);
         if (read <= 0)
             break;
-        {
-            const std::scoped_lock lock(m_mutex);
-            // An entry of less than a step has been read to its end with it.
-            if (std::exchange(isFirst, false))
-                slot.fitsOneStep = read <= static_cast<int>(stepSize) && unzeof(file) == 1;
-            slot.sizes[slot.filled % piecesAhead] = read;
-            ++slot.filled;
-        }
-        m_somethingRead.notify_one();
+        // An entry of less than a step has been read to its end with it.
+        const bool fitsOneStep =
+            std::exchange(isFirst, false) && read <= static_cast<int>(stepSize) && unzeof(file) == 1;
+        publishPiece(slot, read, fitsOneStep);
     }
     // One that cannot be read is closed with the handle.
-    const int closing = read < 0 ? UNZ_OK : unzCloseCurrentFile(file);
-    {
-        const std::scoped_lock lock(m_mutex);
-        slot.end = read < 0 ? read : 0;
-        slot.closing = closing;
-        slot.isRead = true;
-    }
-    m_somethingRead.notify_one();
+    publishEnd(slot, read < 0 ? read : 0, read < 0 ? UNZ_OK : unzCloseCurrentFile(file));
+}
+
+char* ReadAhead::freePiece(Slot& slot)
+{
+    std::unique_lock lock(m_mutex);
+    const auto isUnwanted = [&] { return m_ends || slot.isLeft; };
+    if (slot.waiting() == piecesAhead)
+        slot.somethingTaken.wait(lock, [&] { return isUnwanted() || slot.waiting() <= piecesAhead / 2; });
+    return isUnwanted() ? nullptr : slot.bytes.get() + slot.filled % piecesAhead * pieceSize;
+}
+
+void ReadAhead::publishOpening(Slot& slot, bool isOpened)
+{
+    const std::scoped_lock lock(m_mutex);
+    slot.end = 0;
+    slot.closing = UNZ_OK;
+    slot.fitsOneStep = false;
+    slot.isLeft = false;
+    slot.opening = isOpened ? Slot::Opening::Opened : Slot::Opening::Failed;
+    if (!isOpened)
+        wakeCaller(slot);
+}
+
+void ReadAhead::publishPiece(Slot& slot, int size, bool fitsOneStep)
+{
+    const std::scoped_lock lock(m_mutex);
+    slot.fitsOneStep = slot.fitsOneStep || fitsOneStep;
+    slot.sizes.at(slot.filled % piecesAhead) = size;
+    ++slot.filled;
+    if (slot.isWorthWaking())
+        wakeCaller(slot);
+}
+
+void ReadAhead::publishEnd(Slot& slot, int end, int closing)
+{
+    const std::scoped_lock lock(m_mutex);
+    slot.end = end;
+    slot.closing = closing;
+    slot.isRead = true;
+    wakeCaller(slot);
+}
+
+void ReadAhead::wakeCaller(const Slot& slot)
+{
+    if (m_awaited == &slot)
+        m_somethingRead.notify_one();
 }

@@ -3,10 +3,13 @@
 #include "archive/EntryReader.h"
 #include "archive/ZipHandles.h"
 
+#include <array>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -30,12 +33,19 @@ public:
     [[nodiscard]] int close() override;
 
 private:
-    static constexpr std::size_t piecesAhead = 2;
+    // Who has to wait waits until half of the room is free, or filled: a thread that were woken for each piece would
+    // be woken thousands of times.
+    static constexpr std::size_t entriesAhead = 8;
+    static constexpr std::size_t piecesAhead = 8;
 
     // One entry on its way from a thread to the caller. All but the bytes is guarded by m_mutex; the bytes of a piece
     // are the thread's until the piece counts as filled, and the caller's until it is given back.
     struct Slot
     {
+        [[nodiscard]] std::size_t waiting() const { return filled - taken; }
+        [[nodiscard]] bool isWorthWaking() const { return isRead || waiting() >= piecesAhead / 2; }
+
+        std::condition_variable somethingTaken; // for the thread that reads the entry
         enum class Opening { NotYet, Opened, Failed } opening = Opening::NotYet;
         std::array<int, piecesAhead> sizes{};
         std::size_t filled = 0; // pieces, since the entry was opened
@@ -51,22 +61,31 @@ private:
     explicit ReadAhead(std::vector<UnzHandle> handles);
 
     void work(unzFile file);
-    // Waits for the next entry that a thread may read; false at the end.
-    [[nodiscard]] bool takeEntry(std::uint64_t& entry);
-    [[nodiscard]] Slot& slotOf(std::uint64_t entry) { return m_slots[entry % m_slots.size()]; }
+    // Waits for the next entry that a thread may read; nothing at the end.
+    [[nodiscard]] std::optional<std::uint64_t> takeEntry();
+    [[nodiscard]] std::uint64_t freeSlots() const { return entriesAhead - (m_nextEntry - m_callersEntry); }
+    [[nodiscard]] Slot& slotOf(std::uint64_t entry) { return m_slots.at(entry % entriesAhead); }
     void readEntry(unzFile file, Slot& slot);
     void publishOpening(Slot& slot, bool isOpened);
+    void publishPiece(Slot& slot, int size, bool fitsOneStep);
+    void publishEnd(Slot& slot, int end, int closing);
     // Where the next piece goes; null when no more are wanted.
     [[nodiscard]] char* freePiece(Slot& slot);
+    // Waits, for the caller, until the condition holds for its slot.
+    template <typename Condition>
+    void await(std::unique_lock<std::mutex>& lock, const Slot& slot, Condition condition);
+    // Wakes the caller if that is what it waits for.
+    void wakeCaller(const Slot& slot);
 
-    std::mutex m_mutex;
+    std::mutex m_mutex;                      // guards what has no other word
+    std::condition_variable m_slotsFree;     // for the threads
     std::condition_variable m_somethingRead; // for the caller
-    std::condition_variable m_somethingFree; // for the threads
-    std::vector<UnzHandle> m_handles;        // one for each thread
-    std::vector<Slot> m_slots;
-    std::uint64_t m_nextEntry = 0;    // for a thread to read; guarded by m_mutex
-    std::uint64_t m_callersEntry = 0; // what it has open, or opens next; guarded by m_mutex
-    bool m_ends = false;              // guarded by m_mutex
-    bool m_holdsPiece = false;        // the caller's
+    std::array<Slot, entriesAhead> m_slots;
+    const Slot* m_awaited = nullptr;  // by the caller
+    std::uint64_t m_nextEntry = 0;    // for a thread to read
+    std::uint64_t m_callersEntry = 0; // what it has open, or opens next
+    bool m_ends = false;
+    bool m_holdsPiece = false;        // the caller's alone
+    std::vector<UnzHandle> m_handles; // one for each thread
     std::vector<std::thread> m_threads;
 };

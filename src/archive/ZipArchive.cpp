@@ -5,7 +5,7 @@
 #include "foundation/Log.h"
 
 #include <algorithm>
-#include <thread>
+#include <sched.h>
 
 namespace {
 
@@ -14,9 +14,18 @@ constexpr std::uint64_t sizeWorthThreads = 256ULL * 1024;
 // More than can be written as fast.
 constexpr unsigned mostReaders = 4;
 
+// Those that this program may run on.
+unsigned numProcessors()
+{
+    cpu_set_t processors;
+    CPU_ZERO(&processors);
+    return sched_getaffinity(0, sizeof processors, &processors) == 0 ? static_cast<unsigned>(CPU_COUNT(&processors))
+                                                                     : 1;
+}
+
 unsigned readersFor(std::uint64_t archiveSize)
 {
-    const unsigned processors = std::thread::hardware_concurrency();
+    const unsigned processors = numProcessors();
     return archiveSize < sizeWorthThreads || processors < 2 ? 0 : std::min(processors, mostReaders);
 }
 
