@@ -45,16 +45,30 @@ struct FoundDate
     int year = 0;
 };
 
+// Of all letters, only the ASCII ones lowercase to those of the months' names, so the others need not be looked up.
+char16_t lowercase(QChar c)
+{
+    const char16_t unit = c.unicode();
+    return unit >= u'A' && unit <= u'Z' ? unit | 0x20 : unit;
+}
+
+bool lowercasesTo(QStringView word, QStringView name)
+{
+    return word.size() == name.size() && std::equal(word.begin(), word.end(), name.begin(),
+                                                    [](QChar a, QChar b) { return lowercase(a) == b.unicode(); });
+}
+
 const Month* monthOfWord(QStringView word)
 {
-    // No letter lowercases to fewer code units, so a longer word is no month.
-    // Of all letters, only the ASCII one lowercases to the first of a month's name.
-    if (word.size() < 3 || word.size() > 9 || !QStringView(u"jfmasondJFMASOND").contains(word.front()))
+    if (word.size() < 3 || word.size() > 9)
         return nullptr;
-    const QString lower = word.toString().toLower();
-    const auto* const month = std::find_if(months.begin(), months.end(),
-                                           [&](const Month& m) { return lower == m.name || lower == m.abbreviation; });
-    return month == months.end() ? nullptr : month;
+    const char16_t first = lowercase(word.front());
+    for (const Month& month : months) {
+        if (first == month.name.front().unicode() &&
+            (lowercasesTo(word, month.name) || lowercasesTo(word, month.abbreviation)))
+            return &month;
+    }
+    return nullptr;
 }
 
 int number(QStringView word)

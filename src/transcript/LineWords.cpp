@@ -2,16 +2,6 @@
 
 #include <algorithm>
 
-bool LineWords::isWordSeparator(QChar c)
-{
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
-}
-
-bool LineWords::isPositionSeparator(QChar c)
-{
-    return c == u' ' || c == u'\t' || c == u'\n';
-}
-
 qsizetype LineWords::count() const
 {
     if (m_count < 0)
@@ -22,7 +12,7 @@ qsizetype LineWords::count() const
 QStringView LineWords::word(qsizetype k)
 {
     k = std::max<qsizetype>(k, 0);
-    while (static_cast<qsizetype>(m_words.size()) <= k && m_walked < m_text.size()) {
+    while (m_words.size() <= k && m_walked < m_text.size()) {
         while (m_walked < m_text.size() && isWordSeparator(m_text.at(m_walked)))
             ++m_walked;
         const qsizetype start = m_walked;
@@ -31,8 +21,8 @@ QStringView LineWords::word(qsizetype k)
         if (m_walked > start)
             m_words.push_back({.start = start, .length = m_walked - start});
     }
-    if (k < static_cast<qsizetype>(m_words.size())) {
-        const Range& range = m_words[static_cast<std::size_t>(k)];
+    if (k < m_words.size()) {
+        const Range& range = m_words[k];
         return m_text.sliced(range.start, range.length);
     }
     if (m_words.empty() || isWordSeparator(m_text.back()))

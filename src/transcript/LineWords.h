@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QStringView>
-
-#include <vector>
+#include <QVarLengthArray>
 
 // The words of one line, as the deposition rules count them: on UTF-16 code units, with separator sets that differ
 // slightly from one operation to the next. A view: the text must outlive it. One thread at a time.
@@ -22,9 +21,9 @@ public:
     [[nodiscard]] qsizetype position(qsizetype k) const;
 
     // Separators of word().
-    [[nodiscard]] static bool isWordSeparator(QChar c);
+    [[nodiscard]] static bool isWordSeparator(QChar c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
     // Separators of position().
-    [[nodiscard]] static bool isPositionSeparator(QChar c);
+    [[nodiscard]] static bool isPositionSeparator(QChar c) { return c == u' ' || c == u'\t' || c == u'\n'; }
 
 private:
     struct Range
@@ -34,7 +33,7 @@ private:
     };
 
     QStringView m_text;
-    std::vector<Range> m_words;
+    QVarLengthArray<Range, 32> m_words; // more than most lines have
     qsizetype m_walked = 0;
     mutable qsizetype m_count = -1;
 };

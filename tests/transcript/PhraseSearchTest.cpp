@@ -47,17 +47,26 @@ TEST(PhraseSearch, FindsWhatASearchAtEveryCharacterFinds)
     EXPECT_LT(found, 19'900);
 }
 
-// What the search and the look at a word's first letter rely on.
-TEST(PhraseSearch, NoOtherLetterLowercasesToThoseOfThePhraseOrToTheFirstOfAMonth)
+// What the search, and the comparison with the months' names, rely on.
+TEST(PhraseSearch, NoOtherLetterLowercasesToThoseOfThePhraseOrOfAMonth)
 {
     for (char32_t c = 0x80; c <= 0x10ffff; ++c) {
         const QString lower = QString::fromUcs4(&c, 1).toLower();
         if (c == 0x130) {
-            EXPECT_EQ(lower, u"i\u0307"_s); // of which the dot is no part of the phrase
+            EXPECT_EQ(lower, u"i\u0307"_s); // of which the dot is no part of any
             continue;
         }
         for (const QChar letter : lower)
-            EXPECT_FALSE(u"deposition ofjfmasond"_s.contains(letter)) << static_cast<std::uint32_t>(c);
+            EXPECT_FALSE(u" abcdefghijlmnopqrstuvwxyz."_s.contains(letter)) << static_cast<std::uint32_t>(c);
+    }
+}
+
+TEST(PhraseSearch, AMonthOfOtherLettersIsNone)
+{
+    for (const QString& month : {u"apr\u0130l"_s, u"augu\u017ft"_s, u"\uff2day"_s, u"\u0405ept."_s}) {
+        DepositionFileParser parser;
+        parser.findDepoDate({month + u" 5, 2010"_s, QString()}, 0, 1);
+        EXPECT_TRUE(parser.dateString().isNull()) << qPrintable(month);
     }
 }
 
