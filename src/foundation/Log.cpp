@@ -13,10 +13,12 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdio>
+#include <functional>
 #include <mutex>
 #include <sys/prctl.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -39,13 +41,27 @@ spdlog::level::level_enum spdlogLevel(Log::Level level)
 
 thread_local std::string threadName;
 
-// %N: the name of the thread that wrote the line.
+// One that waits to be written.
+struct Line
+{
+    spdlog::log_clock::time_point time;
+    Log::Level level;
+    std::string threadName;
+    std::string text;
+};
+
+// The line that this thread is writing.
+thread_local const Line* currentLine = nullptr;
+
+// %N: the name of the thread that the line is from.
 class ThreadNameFlag : public spdlog::custom_flag_formatter
 {
 public:
     void format(const spdlog::details::log_msg&, const std::tm&, spdlog::memory_buf_t& out) override
     {
-        const std::string_view name = threadName.empty() ? std::string_view("main") : std::string_view(threadName);
+        const std::string_view name = currentLine == nullptr || currentLine->threadName.empty()
+                                          ? "main"
+                                          : std::string_view(currentLine->threadName);
         out.append(name.data(), name.data() + name.size());
     }
     std::unique_ptr<custom_flag_formatter> clone() const override { return std::make_unique<ThreadNameFlag>(); }
@@ -77,19 +93,19 @@ private:
     std::shared_ptr<FileLogger> m_fileLogger;
 };
 
-// Writes out what is buffered several times a second, so that whoever follows the file sees quiet times too.
-class PeriodicFlush
+// Calls back several times a second, on a thread of its own.
+class Periodically
 {
 public:
-    explicit PeriodicFlush(std::shared_ptr<spdlog::logger> logger)
-        : m_thread([this, flushed = std::move(logger)] {
+    explicit Periodically(std::function<void()> work)
+        : m_thread([this, done = std::move(work)] {
               prctl(PR_SET_NAME, "log flush");
               std::unique_lock lock(m_mutex);
               while (!m_wake.wait_for(lock, std::chrono::milliseconds(250), [this] { return m_isEnding; }))
-                  flushed->flush();
+                  done();
           })
     {}
-    ~PeriodicFlush()
+    ~Periodically()
     {
         {
             const std::scoped_lock lock(m_mutex);
@@ -98,8 +114,8 @@ public:
         m_wake.notify_one();
         m_thread.join();
     }
-    PeriodicFlush(const PeriodicFlush&) = delete;
-    PeriodicFlush& operator=(const PeriodicFlush&) = delete;
+    Periodically(const Periodically&) = delete;
+    Periodically& operator=(const Periodically&) = delete;
 
 private:
     std::mutex m_mutex;
@@ -108,12 +124,18 @@ private:
     std::thread m_thread;
 };
 
-// Written by configure() and shutDown() alone; the pointers are swapped under the mutex that every reader takes.
+// So many may wait; who adds another one then helps to write them.
+constexpr std::size_t longestQueue = 250'000;
+
 struct State
 {
-    std::mutex mutex;
-    std::shared_ptr<spdlog::logger> logger;
-    std::unique_ptr<PeriodicFlush> periodicFlush;
+    std::mutex mutex;                       // guards the two below; held for moments
+    std::shared_ptr<spdlog::logger> logger; // null before configure() and after shutDown()
+    std::vector<Line> queue;
+
+    std::mutex writing; // held while lines are written, so that they stay in order; taken before `mutex`
+
+    std::unique_ptr<Periodically> periodicFlush; // of configure() and shutDown() alone
 };
 
 State& state()
@@ -124,10 +146,39 @@ State& state()
 
 std::atomic<int> lowestLevel{spdlog::level::err};
 
-std::shared_ptr<spdlog::logger> currentLogger()
+// With `writing` held.
+void writeTo(spdlog::logger& logger, const Line& line)
 {
-    const std::scoped_lock lock(state().mutex);
-    return state().logger;
+    // A service that answers with what it was sent must not bring the password into the log.
+    const std::string safe = Secrets::masked(line.text);
+    currentLine = &line;
+    logger.log(line.time, spdlog::source_loc(), spdlogLevel(line.level),
+               spdlog::string_view_t(safe.data(), safe.size()));
+    currentLine = nullptr;
+}
+
+// What is queued, then `last`, which is an error. False without a logger.
+bool writeOut(const Line* last = nullptr, bool isEnd = false)
+{
+    const std::scoped_lock writing(state().writing);
+    std::vector<Line> lines;
+    std::shared_ptr<spdlog::logger> logger;
+    {
+        const std::scoped_lock lock(state().mutex);
+        lines.swap(state().queue);
+        logger = state().logger;
+        if (isEnd)
+            state().logger.reset();
+    }
+    if (!logger)
+        return false;
+    for (const Line& line : lines)
+        writeTo(*logger, line);
+    if (last != nullptr)
+        writeTo(*logger, *last); // The logger flushes it.
+    else
+        logger->flush();
+    return true;
 }
 
 } // namespace
@@ -153,32 +204,24 @@ void Log::configure(const Options& options)
     logger->set_level(spdlogLevel(options.lowest));
     logger->flush_on(spdlog::level::err);
 
-    const std::scoped_lock lock(state().mutex);
-    state().logger = logger;
-    state().periodicFlush = std::make_unique<PeriodicFlush>(logger);
+    {
+        const std::scoped_lock lock(state().mutex);
+        state().logger = std::move(logger);
+    }
+    state().periodicFlush = std::make_unique<Periodically>([] { writeOut(); });
     lowestLevel = spdlogLevel(options.lowest);
 }
 
 void Log::shutDown()
 {
-    std::unique_ptr<PeriodicFlush> periodicFlush;
-    std::shared_ptr<spdlog::logger> logger;
-    {
-        const std::scoped_lock lock(state().mutex);
-        lowestLevel = spdlog::level::err;
-        periodicFlush = std::move(state().periodicFlush);
-        logger = std::move(state().logger);
-        state().logger.reset();
-    }
-    periodicFlush.reset();
-    if (logger)
-        logger->flush();
+    lowestLevel = spdlog::level::err;
+    state().periodicFlush.reset();
+    writeOut(nullptr, /*isEnd=*/true);
 }
 
 void Log::flush()
 {
-    if (const auto logger = currentLogger())
-        logger->flush();
+    writeOut();
 }
 
 bool Log::isEnabled(Level level)
@@ -186,20 +229,30 @@ bool Log::isEnabled(Level level)
     return spdlogLevel(level) >= lowestLevel.load(std::memory_order_relaxed);
 }
 
-void Log::write(Level level, std::string_view line)
+void Log::write(Level level, std::string line)
 {
-    // A service that answers with what it was sent must not bring the password into the log.
-    const std::string safe = Secrets::masked(line);
-    if (const auto logger = currentLogger())
-        logger->log(spdlogLevel(level), spdlog::string_view_t(safe.data(), safe.size()));
-    else if (level == Level::Error)
-        std::fprintf(stderr, "%s\n", safe.c_str());
+    Line made{spdlog::log_clock::now(), level, threadName, std::move(line)};
+    if (level == Level::Error) {
+        if (!writeOut(&made))
+            std::fprintf(stderr, "%s\n", Secrets::masked(made.text).c_str());
+        return;
+    }
+    bool isFull = false;
+    {
+        const std::scoped_lock lock(state().mutex);
+        if (!state().logger)
+            return;
+        state().queue.push_back(std::move(made));
+        isFull = state().queue.size() >= longestQueue;
+    }
+    if (isFull)
+        writeOut();
 }
 
 void Log::systemLogLine(std::string_view line)
 {
     if (isEnabled(Level::Info))
-        write(Level::Info, line);
+        write(Level::Info, std::string(line));
 }
 
 void Log::setThreadName(std::string_view name)

@@ -3,15 +3,16 @@
 #include "foundation/Text.h"
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 class FileLogger;
 
 // The program's log: five levels, each line with its time, level and thread name. Callable from every thread.
-// An error line is in the file before the call returns; other lines are buffered and reach it within a second, on the
-// next error line, or on flush(). Before configure() and after shutDown() lines go nowhere but, for errors, standard
-// error. Lines never hold a password: callers log replies and paths, not request bodies, and what a reply echoes
-// is masked (Secrets).
+// An error line is in the file before the call returns; other lines are queued, and composed and written by a thread of
+// the log's own: they reach the file within a second, on the next error line, or on flush(). Before configure() and
+// after shutDown() lines go nowhere but, for errors, standard error. Lines never hold a password: callers log replies
+// and paths, not request bodies, and what a reply echoes is masked (Secrets).
 namespace Log {
 
 enum class Level { Verbose, Debug, Info, Warning, Error };
@@ -34,7 +35,7 @@ void shutDown();
 void flush();
 
 [[nodiscard]] bool isEnabled(Level level);
-void write(Level level, std::string_view line);
+void write(Level level, std::string line);
 // The platform's system log: a line at info level, so in the file and, where configured, on standard error; syslog is
 // for warnings and errors.
 void systemLogLine(std::string_view line);

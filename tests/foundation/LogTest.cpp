@@ -5,8 +5,10 @@
 #include "support/TemporaryHome.h"
 #include "support/Waiting.h"
 
+#include <QDateTime>
 #include <QRegularExpression>
 
+#include <array>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -127,6 +129,62 @@ TEST_F(LogTest, ALineBearsTheWholeNameOfTheThreadThatWroteIt)
     Log::error("from here");
     EXPECT_TRUE(onDisk().contains(u"[convert 883 segment 2] from a worker"_s));
     EXPECT_TRUE(onDisk().contains(u"[main] from here"_s));
+}
+
+TEST_F(LogTest, AQueuedLineBearsItsOwnThreadAndMomentNotThoseOfItsWriting)
+{
+    configure();
+    const QDateTime before = QDateTime::currentDateTime();
+    std::thread([] {
+        Log::setThreadName("convert 883 segment 2");
+        Log::info("queued");
+    }).join();
+    const QDateTime after = QDateTime::currentDateTime();
+    EXPECT_TRUE(Waiting::until([&] { return QDateTime::currentDateTime() > after.addMSecs(20); }));
+    Log::flush();
+    const QString line = onDisk();
+    EXPECT_TRUE(line.contains(u"[convert 883 segment 2] queued"_s));
+    const QDateTime time = QDateTime::fromString(line.left(23), u"yyyy-MM-dd HH:mm:ss.zzz"_s);
+    EXPECT_LE(before, time.addMSecs(1)); // written to the millisecond
+    EXPECT_LE(time, after);
+}
+
+TEST_F(LogTest, LinesOfAThreadStayInOrderWhoeverWritesThemOut)
+{
+    configure();
+    constexpr int count = 1000; // short enough for one file
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([i] {
+            for (int line = 0; line < count; ++line) {
+                if (line % 50 == i)
+                    Log::error("thread {} line {}", i, line);
+                else
+                    Log::info("thread {} line {}", i, line);
+                if (line % 70 == i)
+                    Log::flush();
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    Log::flush();
+    std::array<int, 3> next{};
+    for (const QString& line : onDisk().split(u'\n', Qt::SkipEmptyParts)) {
+        const QStringList words = line.split(u' ');
+        EXPECT_EQ(words.last().toInt(), next[words.at(words.size() - 3).toUInt()]++) << qPrintable(line);
+    }
+    EXPECT_EQ(next, (std::array{count, count, count}));
+}
+
+TEST_F(LogTest, MoreLinesThanMayWaitAreWrittenByWhoAddsThem)
+{
+    configure();
+    for (int line = 0; line < 300'000; ++line)
+        Log::verbose("{}", line);
+    EXPECT_NE(onDisk(), QString());
+    Log::flush();
+    EXPECT_TRUE(onDisk().endsWith(u"] 299999\n"_s));
 }
 
 TEST_F(LogTest, ValuesAreKeptAsTheyStand)
