@@ -21,6 +21,22 @@ StatusReply::Deposition readDeposition(TextScanner& scanner)
     return record;
 }
 
+// Moves to the next place of the word, or to the end. A reply is thousands of lines, so the word is looked for by its
+// colon, which it ends in, and compared only there.
+void skipTo(TextScanner& scanner, QStringView reply, QStringView word)
+{
+    const qsizetype length = word.size();
+    const qsizetype start = scanner.location();
+    for (qsizetype colon = reply.indexOf(u':', start); colon >= 0; colon = reply.indexOf(u':', colon + 1)) {
+        const qsizetype place = colon + 1 - length;
+        if (place >= start && reply.sliced(place, length).compare(word, Qt::CaseInsensitive) == 0) {
+            scanner.setLocation(place);
+            return;
+        }
+    }
+    scanner.setLocation(reply.size());
+}
+
 std::optional<StatusReply::Segment> readSegment(TextScanner& scanner)
 {
     const auto deposition = scanner.scanInt();
@@ -46,7 +62,8 @@ std::vector<StatusReply::Deposition> StatusReply::depositions(const QString& rep
     while (!scanner.isAtEnd()) {
         if (scanner.scanString(u"Depo:"))
             records.push_back(readDeposition(scanner));
-        scanner.scanUpToString(u"Depo:");
+        else
+            skipTo(scanner, reply, u"Depo:");
     }
     return records;
 }
@@ -59,8 +76,9 @@ std::vector<StatusReply::Segment> StatusReply::segments(const QString& reply)
         if (scanner.scanString(u"Segment:")) {
             if (auto record = readSegment(scanner))
                 records.push_back(std::move(*record));
+        } else {
+            skipTo(scanner, reply, u"Segment:");
         }
-        scanner.scanUpToString(u"Segment:");
     }
     return records;
 }

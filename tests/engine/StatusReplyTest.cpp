@@ -113,6 +113,15 @@ INSTANTIATE_TEST_SUITE_P(
                     {{1, 2, QString(u"x"_s + QChar(0)), 3, 4}}}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
+TEST(StatusReplyTest, ARecordIsFoundBehindAnythingWhateverItsLetterCase)
+{
+    EXPECT_EQ(StatusReply::depositions(u"at 12:30: thedEPO: 5 a b Depo Depo:Depo: 6 c d\n: po: epo: DEPO:7 e f"_s),
+              (std::vector<StatusReply::Deposition>{{5, u"a b Depo Depo:Depo: 6 c"_s, u"d"_s}, {7, u"e"_s, u"f"_s}}));
+    EXPECT_EQ(StatusReply::segments(u":Segment:Segment: 1 2 Segment: 3\nsegment: xSEGMENT: 4 5 Joined 6 7:segment"_s),
+              (std::vector<StatusReply::Segment>{{1, 2, u"Segment:"_s, 3, -1}, {4, 5, u"Joined"_s, 6, 7}}));
+    EXPECT_TRUE(StatusReply::depositions(u"Dep: epo: o: :"_s).empty());
+}
+
 TEST(StatusReplyTest, FiftyThousandRecordsOfEachKindAreReadWithoutDelay)
 {
     const auto begin = std::chrono::steady_clock::now();
