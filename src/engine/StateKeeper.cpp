@@ -11,6 +11,8 @@ namespace {
 
 // Between two pictures. Together with the writing it stays well below the second that a crash may cost.
 constexpr auto gatheringTime = std::chrono::milliseconds(250);
+// Of the main thread, for encoding; then input and drawing have theirs.
+constexpr auto longestTurn = std::chrono::milliseconds(5);
 // After a failure, so that a full disk is tried again though nothing changes.
 constexpr auto retryTime = std::chrono::seconds(5);
 
@@ -21,7 +23,7 @@ StateKeeper::StateKeeper(JobModel& model, QString path) : m_model(model), m_path
     m_changes->keeper = this;
     for (QTimer* const timer : {&m_gathering, &m_retry}) {
         timer->setSingleShot(true);
-        connect(timer, &QTimer::timeout, this, &StateKeeper::takePicture);
+        connect(timer, &QTimer::timeout, this, &StateKeeper::encodeInTurns);
     }
     connect(&model, &JobModel::jobAdded, this, &StateKeeper::follow);
     connect(&model, &JobModel::jobRemoved, this, [this](const std::shared_ptr<Job>& job) { unfollow(job.get()); });
@@ -98,7 +100,9 @@ void StateKeeper::Changes::note(const std::shared_ptr<Changes>& changes, const J
 {
     {
         const std::scoped_lock lock(changes->mutex);
-        changes->jobs.insert(job);
+        if (changes->last != job)
+            changes->jobs.insert(job);
+        changes->last = job;
         if (std::exchange(changes->isTold, true))
             return;
     }
@@ -120,31 +124,58 @@ void StateKeeper::arm()
 
 // Writing
 
-void StateKeeper::encodeChanged()
+void StateKeeper::collectChanged()
 {
-    std::unordered_set<const Job*> changed;
-    {
-        const std::scoped_lock lock(m_changes->mutex);
-        changed.swap(m_changes->jobs);
-        m_changes->isTold = false;
-    }
-    for (const Job* const job : changed) {
-        const auto followed = m_followed.find(job);
+    const std::scoped_lock lock(m_changes->mutex);
+    m_changed.insert(m_changed.end(), m_changes->jobs.begin(), m_changes->jobs.end());
+    m_changes->jobs.clear();
+    m_changes->last = nullptr;
+    m_changes->isTold = false;
+}
+
+bool StateKeeper::encodeChanged(QDeadlineTimer deadline)
+{
+    for (; !m_changed.empty() && !deadline.hasExpired(); m_changed.pop_back()) {
+        const auto followed = m_followed.find(m_changed.back());
         if (followed == m_followed.end())
             continue;
-        auto archive = SavedState::isKept(*job) ? job->encode() : std::nullopt;
+        const Job& job = *m_changed.back();
+        auto archive = SavedState::isKept(job) ? job.encode() : std::nullopt;
         // Progress is a change of a row, but none of what is kept.
         if (archive == followed->second.archive)
             continue;
         followed->second.archive = std::move(archive);
         m_mustWrite = true;
     }
+    return m_changed.empty();
+}
+
+void StateKeeper::encodeInTurns()
+{
+    // Jobs that change all the time must not keep the others from their picture.
+    if (m_changed.empty())
+        collectChanged();
+    if (!encodeChanged(QDeadlineTimer(longestTurn))) {
+        m_gathering.start(std::chrono::milliseconds(0));
+        return;
+    }
+    writePicture();
+    // What came in between two turns has told nobody.
+    const std::scoped_lock lock(m_changes->mutex);
+    if (!m_changes->jobs.empty())
+        arm();
 }
 
 void StateKeeper::takePicture()
 {
     m_gathering.stop();
+    collectChanged();
     encodeChanged();
+    writePicture();
+}
+
+void StateKeeper::writePicture()
+{
     if (!m_mustWrite && !m_hasFailed)
         return;
     m_mustWrite = false;

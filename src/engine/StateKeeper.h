@@ -4,6 +4,7 @@
 #include "foundation/WorkerThreads.h"
 #include "model/Job.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -26,8 +27,8 @@ class JobModel;
 
 // Keeps the file of a user's unfinished local jobs in step with them while the program works, so that a crash or a
 // power cut costs less than the last second. The first change after a pause is written at once, those that follow are
-// gathered. What changed is encoded on the main thread, between two changes of a job and never within one; the file is
-// written beside, flushed and renamed on a thread of its own. Main thread.
+// gathered. What changed is encoded on the main thread, between two changes of a job and never within one, thousands of
+// jobs in several turns; the file is written beside, flushed and renamed on a thread of its own. Main thread.
 class StateKeeper : public QObject
 {
     Q_OBJECT
@@ -60,8 +61,9 @@ private:
     {
         static void note(const std::shared_ptr<Changes>& changes, const Job* job);
 
-        std::mutex mutex; // guards the two below
+        std::mutex mutex; // guards the three below
         std::unordered_set<const Job*> jobs;
+        const Job* last = nullptr; // of these, noted last: most change in several ways in a row
         bool isTold = false;
         StateKeeper* keeper = nullptr; // main thread
     };
@@ -74,8 +76,13 @@ private:
     void follow(const std::shared_ptr<Job>& job);
     void unfollow(const Job* job);
     void arm();
+    // What the gathering has led to: a picture, when all that changed is encoded.
+    void encodeInTurns();
     void takePicture();
-    void encodeChanged();
+    void collectChanged();
+    // Of what is collected; all of it unless there is a deadline. True when nothing is left.
+    bool encodeChanged(QDeadlineTimer deadline = QDeadlineTimer(QDeadlineTimer::Forever));
+    void writePicture();
     void callWaiting(std::uint64_t number);
     void writeThreadProc();
     void written(std::uint64_t number, const std::optional<Error>& error);
@@ -84,7 +91,8 @@ private:
     const QString m_path;
     const std::shared_ptr<Changes> m_changes = std::make_shared<Changes>();
     std::unordered_map<const Job*, Followed> m_followed;
-    bool m_mustWrite = false; // the file may differ from the jobs
+    std::vector<const Job*> m_changed; // and not encoded yet; some may be gone
+    bool m_mustWrite = false;          // the file may differ from the jobs
     bool m_hasFailed = false;
     QTimer m_gathering;
     QTimer m_retry;

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <thread>
 
@@ -149,6 +150,34 @@ TEST_F(StateKeeperTest, AnotherFileTakesOverAndNobodyWaitsInVain)
     EXPECT_EQ(takeCommandsOf<SubmitJobDetailsCommand>().size(), 1U);
     EXPECT_EQ(held(), QStringList{u"0:0:0"_s});
     EXPECT_TRUE(Waiting::until([&] { return QFileInfo::exists(path(u"elsewhere/State_demo.archive"_s)); }));
+}
+
+TEST_F(StateKeeperTest, ThousandsOfJobsAreEncodedInSeveralTurnsOfTheMainThread)
+{
+    constexpr int count = 3000;
+    std::vector<std::shared_ptr<Job>> jobs;
+    for (int number = 1; number <= count; ++number) {
+        jobs.push_back(Job::job());
+        jobs.back()->setDepoNum(number);
+        model().addJobsObject(jobs.back());
+    }
+    const auto highestOrder = [this] {
+        int highest = 0;
+        for (const auto& job : SavedState::read(file).jobs)
+            highest = std::max(highest, job->orderNum().value_or(0));
+        return highest;
+    };
+    ASSERT_TRUE(Waiting::until([&] { return held().size() == count; }));
+    for (const auto& job : jobs)
+        job->setStatus(11);
+    // One that changes in each turn has no turn of its own at the end.
+    int turns = 0;
+    QTimer everyTurn;
+    QObject::connect(&everyTurn, &QTimer::timeout, &everyTurn, [&] { jobs.front()->setOrderNum(++turns); });
+    everyTurn.start(0);
+    ASSERT_TRUE(Waiting::until([&] { return held().last() == u"%1:11:"_s.arg(count) && turns > 3; }));
+    everyTurn.stop();
+    EXPECT_TRUE(Waiting::until([&] { return highestOrder() == turns; })) << "a change between two turns is kept too";
 }
 
 TEST_F(StateKeeperTest, ProgressAloneWritesNothing)
