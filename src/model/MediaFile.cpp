@@ -6,6 +6,7 @@
 #include "model/PathBookmarks.h"
 
 #include <QFileInfo>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <typeinfo>
@@ -85,7 +86,14 @@ void MediaFile::readFileAttributes()
 
 void MediaFile::tellObservers(MediaFileChange change)
 {
-    for (const Observation& observation : copied(m_observations)) {
+    // Most files have one.
+    QVarLengthArray<Observation, 2> observations;
+    {
+        const std::scoped_lock lock(m_mutex);
+        for (const Observation& observation : m_observations)
+            observations.append(observation);
+    }
+    for (const Observation& observation : observations) {
         // Held while it is told, so that it does not end on another thread meanwhile.
         if (const auto observer = observation.observer.lock())
             observer->mediaFileChanged(change);

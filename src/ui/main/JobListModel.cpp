@@ -160,10 +160,16 @@ Qt::ItemFlags JobListModel::flags(const QModelIndex& index) const
 
 void JobListModel::sort(int column, Qt::SortOrder order)
 {
-    m_sortColumn = column < jobListColumnCount ? column : -1;
+    // The values of a column that is sorted by are always those that were announced last.
+    if (const int before = std::exchange(m_sortColumn, column < jobListColumnCount ? column : -1);
+        before != m_sortColumn) {
+        for (const auto& job : m_jobs) {
+            renewSortValue(*job);
+            for (const auto& mediaFile : job->rows)
+                renewSortValue(*mediaFile);
+        }
+    }
     m_sortOrder = order;
-    for (const auto& [id, node] : m_nodes)
-        renewSortValue(*node);
     m_isOrderInDoubt = true;
     sortIfNeeded();
 }
@@ -172,7 +178,7 @@ void JobListModel::renewSortValue(Node& node)
 {
     if (m_sortColumn < 0)
         return;
-    JobListSortValue value = JobListSorting::sortValue(node.object, static_cast<JobListColumn>(m_sortColumn));
+    JobListSortValue value = JobListSorting::sortValue(*node.object, static_cast<JobListColumn>(m_sortColumn));
     if (value == node.sortValue)
         return;
     node.sortValue = std::move(value);

@@ -67,10 +67,15 @@ void JobListModel::announceInTurns()
 
 void JobListModel::gather()
 {
-    const auto changed = m_changes->take();
-    m_gathered.insert(m_gathered.end(), changed.begin(), changed.end());
-    std::sort(m_gathered.begin(), m_gathered.end(), std::greater<>());
-    m_gathered.erase(std::unique(m_gathered.begin(), m_gathered.end()), m_gathered.end());
+    RowIds changed = m_changes->take();
+    if (m_gathered.empty()) {
+        m_gathered = std::move(changed);
+        return;
+    }
+    RowIds all;
+    std::set_union(m_gathered.begin(), m_gathered.end(), changed.begin(), changed.end(), std::back_inserter(all),
+                   std::greater<>());
+    m_gathered = std::move(all);
 }
 
 bool JobListModel::announceSome()

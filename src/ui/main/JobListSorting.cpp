@@ -1,6 +1,8 @@
 #include "ui/main/JobListSorting.h"
 
+#include "model/Job.h"
 #include "ui/main/JobListValues.h"
+#include "ui/transformers/DeliveryFormatTitle.h"
 
 #include <QCollator>
 
@@ -20,6 +22,18 @@ const QCollator& collator()
         return made;
     }();
     return theCollator;
+}
+
+JobListSortValue ofText(QString text)
+{
+    return {0, std::move(text)};
+}
+
+template <typename Number>
+JobListSortValue ofNumber(const std::optional<Number>& number)
+{
+    const double value = number ? static_cast<double>(*number) : NAN;
+    return std::isnan(value) ? JobListSortValue() : JobListSortValue{value, {}};
 }
 
 // Below 0, 0 or above 0.
@@ -69,20 +83,29 @@ void sortByKeys(JobListSorting::Rows& rows, Qt::SortOrder order)
 
 } // namespace
 
-JobListSortValue JobListSorting::sortValue(const std::shared_ptr<MediaObject>& object, JobListColumn column)
+// Thousands of them are asked for in a row, so nothing goes through a variant here.
+JobListSortValue JobListSorting::sortValue(const MediaObject& object, JobListColumn column)
 {
-    JobListSortValue result;
-    const QVariant value = JobListValues::underlying(object, column);
-    if (value.typeId() == QMetaType::QString) {
-        result.number = 0;
-        result.text = value.toString();
-    } else if (value.isValid() && !std::isnan(value.toDouble())) {
-        result.number = value.toDouble();
+    const auto* const job = qobject_cast<const Job*>(&object);
+    switch (column) {
+    case JobListColumn::Name:
+        return ofText(object.name());
+    case JobListColumn::Status:
+        // On the server, the words differ while the status does not.
+        return {static_cast<double>(object.status()), jobStatusText(object)};
+    case JobListColumn::Progress:
+        return JobListValues::isProgressVisible(object) ? ofNumber(std::optional(JobListValues::fractionDone(object)))
+                                                        : JobListSortValue();
+    case JobListColumn::Accuracy:
+        return ofNumber(object.scoreValue());
+    case JobListColumn::JobNumber:
+        return job != nullptr ? ofNumber(job->depoNum()) : JobListSortValue();
+    case JobListColumn::Duration:
+        return ofNumber(JobListValues::duration(object));
+    case JobListColumn::DeliveryFormat:
+        return job != nullptr ? ofText(deliveryFormatTitle(job->deliveryFormat())) : JobListSortValue();
     }
-    // On the server, the words differ while the status does not.
-    if (column == JobListColumn::Status)
-        result.text = JobListValues::display(object, column).toString();
-    return result;
+    return {};
 }
 
 bool JobListSorting::areInOrder(const Rows& rows, int column, Qt::SortOrder order)

@@ -8,7 +8,8 @@
 // The order of the job list's rows. Texts compare as people expect: letter case last, numbers in them by value.
 namespace JobListSorting {
 
-[[nodiscard]] JobListSortValue sortValue(const std::shared_ptr<MediaObject>& object, JobListColumn column);
+// By the value below what is displayed (see JobListValues::underlying).
+[[nodiscard]] JobListSortValue sortValue(const MediaObject& object, JobListColumn column);
 
 using Rows = std::vector<std::unique_ptr<JobListNode>>;
 // Rows of equal value stay in the engine's order, whatever the order asked for. Column -1 is the engine's order.

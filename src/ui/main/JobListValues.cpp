@@ -4,6 +4,7 @@
 #include "model/Job.h"
 #include "ui/controls/PlainText.h"
 #include "ui/transformers/DeliveryFormatTitle.h"
+#include "ui/transformers/StatusToProgressVisibilityTransformer.h"
 #include "ui/transformers/ValueTransformers.h"
 
 #include <QCoreApplication>
@@ -46,19 +47,9 @@ private:
 };
 
 constinit Transformer jobStatusToString("JobStatusToStringTransformer");
-constinit Transformer statusToProgressVisibility("StatusToProgressVisibilityTransformer");
 constinit Transformer scoreToAccuracy("ScoreToAccuracyTransformer");
 constinit Transformer mediaObjectToDepoNum("MediaObjectToDepoNumTransformer");
 constinit Transformer secondsToHHMMSS("SecondsNumberToHHMMSSStringTransformer");
-
-QVariant duration(const MediaObject& object)
-{
-    if (const auto* job = qobject_cast<const Job*>(&object))
-        return variant(job->totalMediaDuration());
-    if (const auto* mediaFile = qobject_cast<const MediaFile*>(&object))
-        return variant(mediaFile->sourceDuration());
-    return {};
-}
 
 QVariant deliveryFormat(const MediaObject& object)
 {
@@ -90,7 +81,7 @@ QString JobListValues::imageName(const MediaObject& object)
 
 bool JobListValues::isProgressVisible(const MediaObject& object)
 {
-    return statusToProgressVisibility(object.status()).toBool();
+    return StatusToProgressVisibilityTransformer::isProgressVisible(object.status());
 }
 
 double JobListValues::fractionDone(const MediaObject& object)
@@ -98,6 +89,15 @@ double JobListValues::fractionDone(const MediaObject& object)
     const double total = object.totalValue().value_or(0);
     const double fraction = object.processedValue().value_or(0) / total;
     return std::isfinite(fraction) ? std::clamp(fraction, 0.0, 1.0) : 0.0;
+}
+
+std::optional<float> JobListValues::duration(const MediaObject& object)
+{
+    if (const auto* job = qobject_cast<const Job*>(&object))
+        return job->totalMediaDuration();
+    if (const auto* mediaFile = qobject_cast<const MediaFile*>(&object))
+        return mediaFile->sourceDuration();
+    return std::nullopt;
 }
 
 QVariant JobListValues::display(const std::shared_ptr<MediaObject>& object, JobListColumn column)
@@ -114,7 +114,7 @@ QVariant JobListValues::display(const std::shared_ptr<MediaObject>& object, JobL
     case JobListColumn::JobNumber:
         return mediaObjectToDepoNum(QVariant::fromValue(object));
     case JobListColumn::Duration:
-        return secondsToHHMMSS(duration(*object));
+        return secondsToHHMMSS(variant(duration(*object)));
     case JobListColumn::DeliveryFormat:
         return deliveryFormat(*object);
     }
@@ -135,7 +135,7 @@ QVariant JobListValues::underlying(const std::shared_ptr<MediaObject>& object, J
     case JobListColumn::JobNumber:
         return display(object, column);
     case JobListColumn::Duration:
-        return duration(*object);
+        return variant(duration(*object));
     case JobListColumn::DeliveryFormat:
         return deliveryFormat(*object);
     }

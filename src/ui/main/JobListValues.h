@@ -27,6 +27,8 @@ namespace JobListValues {
 // Safe to show as it stands.
 [[nodiscard]] QString toolTip(const std::shared_ptr<MediaObject>& object, JobListColumn column);
 
+// In seconds.
+[[nodiscard]] std::optional<float> duration(const MediaObject& object);
 [[nodiscard]] bool isProgressVisible(const MediaObject& object);
 // 0 to 1; 0 where there is nothing to do.
 [[nodiscard]] double fractionDone(const MediaObject& object);

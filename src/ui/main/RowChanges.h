@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <unordered_set>
+#include <vector>
 
 // Gathers which rows of a list have changed, on whatever thread, and wakes the list on the main thread once for each
 // batch. Held by the list and by every connection to a row's object, so that it outlives both.
@@ -18,12 +18,12 @@ public:
 
     // Any thread.
     void changed(RowId row);
-    // Ends the batch: what has changed since the last one.
-    [[nodiscard]] std::unordered_set<RowId> take();
+    // Ends the batch: what has changed since the last one, each row once, the last first.
+    [[nodiscard]] std::vector<RowId> take();
 
 private:
     std::function<void()> m_wake; // of the main thread alone
     std::mutex m_mutex;           // guards all below
-    std::unordered_set<RowId> m_rows;
+    std::vector<RowId> m_rows;    // some perhaps twice
     bool m_isAwake = false;
 };

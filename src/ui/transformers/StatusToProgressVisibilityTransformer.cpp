@@ -8,6 +8,11 @@ QVariant StatusToProgressVisibilityTransformer::transformedValue(const QVariant&
     const auto status = TransformedValues::integerValue(value);
     if (!status)
         return {};
-    return *status == JobStatusConverting || *status == JobStatusUploading || *status == JobStatusReprocessing ||
-           *status == JobStatusDownloading;
+    return isProgressVisible(*status);
+}
+
+bool StatusToProgressVisibilityTransformer::isProgressVisible(int status)
+{
+    return status == JobStatusConverting || status == JobStatusUploading || status == JobStatusReprocessing ||
+           status == JobStatusDownloading;
 }

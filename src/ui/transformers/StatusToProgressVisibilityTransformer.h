@@ -7,4 +7,5 @@ class StatusToProgressVisibilityTransformer : public ValueTransformer
 {
 public:
     [[nodiscard]] QVariant transformedValue(const QVariant& value) const override;
+    [[nodiscard]] static bool isProgressVisible(int status);
 };

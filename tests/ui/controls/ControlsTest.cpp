@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QImage>
 #include <QListView>
+#include <QPainter>
 #include <QPixmap>
 #include <QSignalSpy>
 #include <QStringListModel>
@@ -71,10 +72,46 @@ TEST(QuillpostIconsTest, AnIconOfSomethingDisabledIsFainter)
     EXPECT_LT(qAlpha(disabled.pixel(16, 16)), qAlpha(normal.pixel(16, 16)));
 }
 
+TEST(QuillpostIconsTest, AnIconThatIsDrawnAgainLooksTheSameWhereverItIsDrawn)
+{
+    const QIcon icon = QuillpostIcons::named(u"SoundIcon"_s);
+    const auto drawn = [&](QPoint place, double pixels, QIcon::Mode mode) {
+        QImage image(QSize(40, 40) * pixels, QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(pixels);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        icon.paint(&painter, QRect(place, QSize(17, 16)), Qt::AlignCenter, mode);
+        painter.end();
+        return image.copy(QRect(place * pixels, QSize(17, 16) * pixels));
+    };
+    for (const double pixels : {1.0, 2.0, 1.5}) {
+        for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected, QIcon::Disabled}) {
+            const QImage first = drawn({0, 0}, pixels, mode);
+            EXPECT_GT(colours(first), 2U);
+            EXPECT_EQ(first, drawn({20, 14}, pixels, mode)) << pixels << " " << mode;
+        }
+    }
+    EXPECT_NE(drawn({0, 0}, 1, QIcon::Normal), drawn({0, 0}, 1, QIcon::Disabled));
+}
+
 TEST(QuillpostIconsTest, ARecordingOnTheHighlightHasTheColourOfTheHighlightedText)
 {
     const QImage image = QuillpostIcons::named(u"SoundIcon"_s).pixmap(QSize(64, 64), 1.0, QIcon::Selected).toImage();
     EXPECT_EQ(image.pixelColor(20, 32), QApplication::palette().color(QPalette::HighlightedText));
+}
+
+TEST(QuillpostIconsTest, ARecordingFollowsAnotherColourOfHighlightedTexts)
+{
+    const QIcon icon = QuillpostIcons::named(u"SoundIcon"_s);
+    const auto colour = [&] { return icon.pixmap(QSize(64, 64), 1.0, QIcon::Selected).toImage().pixelColor(20, 32); };
+    const QPalette before = QApplication::palette();
+    EXPECT_EQ(colour(), before.color(QPalette::HighlightedText));
+    QPalette other = before;
+    other.setColor(QPalette::HighlightedText, QColor(10, 20, 30));
+    QApplication::setPalette(other);
+    EXPECT_EQ(colour(), QColor(10, 20, 30));
+    QApplication::setPalette(before);
+    EXPECT_EQ(colour(), before.color(QPalette::HighlightedText));
 }
 
 TEST(QuillpostIconsTest, AnUnknownNameIsNoIcon)

@@ -52,6 +52,35 @@ TEST_F(JobListSortingTest, ManyRowsAreSortedLikeFew)
     EXPECT_EQ(names(), byScore);
 }
 
+TEST_F(JobListSortingTest, TurningTheOrderOfAColumnRoundFollowsTheValuesOfNow)
+{
+    for (int number = 1; number <= 3; ++number)
+        addJob(u"%1"_s.arg(number))->setScoreValue(number);
+    sortBy(JobListColumn::Accuracy);
+    engine().jobs().front()->setScoreValue(9);
+    list().announceChanges();
+    sortBy(JobListColumn::Accuracy, Qt::DescendingOrder);
+    EXPECT_EQ(names(), (QStringList{u"1"_s, u"3"_s, u"2"_s}));
+    sortBy(JobListColumn::Name, Qt::DescendingOrder);
+    EXPECT_EQ(names(), (QStringList{u"3"_s, u"2"_s, u"1"_s}));
+}
+
+TEST_F(JobListSortingTest, FilesAreSortedBelowTheirJobsByTheSameColumn)
+{
+    const auto job = addJob(u"job"_s);
+    for (const float seconds : {30.F, 10.F, 20.F}) {
+        job->addMediaFilesObject(MediaFile::serverMediaFile(static_cast<int>(seconds)));
+        job->mediaFiles().front()->setSourceDuration(seconds);
+    }
+    list().announceChanges();
+    sortBy(JobListColumn::Duration);
+    QStringList durations;
+    for (int row = 0; row < 3; ++row)
+        durations.append(
+            list().index(row, static_cast<int>(JobListColumn::Duration), list().index(0, 0)).data().toString());
+    EXPECT_EQ(durations, (QStringList{u"0:00:10"_s, u"0:00:20"_s, u"0:00:30"_s}));
+}
+
 TEST_F(JobListSortingTest, ARushJobIsSortedByItsNameNotByTheMark)
 {
     addJob(u"B"_s);

@@ -61,6 +61,16 @@ TEST_F(JobListThreadsTest, ABatchOfChangesOfAnotherThreadWakesTheListOnce)
     EXPECT_EQ(woken, 2) << "taking ends the batch";
 }
 
+TEST_F(JobListThreadsTest, RowsThatChangeByTurnsAreGatheredOnceEachTheLastFirst)
+{
+    const auto changes = std::make_shared<RowChanges>();
+    for (int round = 0; round < 10'000; ++round) {
+        for (const RowChanges::RowId row : {3, 1, 2})
+            changes->changed(row);
+    }
+    EXPECT_EQ(changes->take(), (std::vector<RowChanges::RowId>{3, 2, 1}));
+}
+
 TEST_F(JobListThreadsTest, TheListMayGoWhileAnotherThreadChangesItsRows)
 {
     addJobs(2, 2);
