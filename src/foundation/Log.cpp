@@ -41,13 +41,46 @@ spdlog::level::level_enum spdlogLevel(Log::Level level)
 
 thread_local std::string threadName;
 
-// One that waits to be written.
 struct Line
 {
     spdlog::log_clock::time_point time;
     Log::Level level;
-    std::string threadName;
-    std::string text;
+    std::string_view threadName;
+    std::string_view text;
+};
+
+// Lines that wait to be written. All their characters lie together: a thread that frees thousands of texts which
+// another one is making holds that one up.
+class Lines
+{
+public:
+    [[nodiscard]] std::size_t count() const { return m_heads.size(); }
+    void append(const Line& line)
+    {
+        m_heads.push_back({line.time, line.level, line.threadName.size(), line.text.size()});
+        m_characters.append(line.threadName).append(line.text);
+    }
+    template <typename Function>
+    void forEach(const Function& function) const
+    {
+        std::string_view rest = m_characters;
+        for (const Head& head : m_heads) {
+            function(Line{head.time, head.level, rest.substr(0, head.nameLength),
+                          rest.substr(head.nameLength, head.textLength)});
+            rest.remove_prefix(head.nameLength + head.textLength);
+        }
+    }
+
+private:
+    struct Head
+    {
+        spdlog::log_clock::time_point time;
+        Log::Level level;
+        std::size_t nameLength;
+        std::size_t textLength;
+    };
+    std::vector<Head> m_heads;
+    std::string m_characters;
 };
 
 // The line that this thread is writing.
@@ -131,7 +164,7 @@ struct State
 {
     std::mutex mutex;                       // guards the two below; held for moments
     std::shared_ptr<spdlog::logger> logger; // null before configure() and after shutDown()
-    std::vector<Line> queue;
+    Lines queue;
 
     std::mutex writing; // held while lines are written, so that they stay in order; taken before `mutex`
 
@@ -161,19 +194,18 @@ void writeTo(spdlog::logger& logger, const Line& line)
 bool writeOut(const Line* last = nullptr, bool isEnd = false)
 {
     const std::scoped_lock writing(state().writing);
-    std::vector<Line> lines;
+    Lines lines;
     std::shared_ptr<spdlog::logger> logger;
     {
         const std::scoped_lock lock(state().mutex);
-        lines.swap(state().queue);
+        std::swap(lines, state().queue);
         logger = state().logger;
         if (isEnd)
             state().logger.reset();
     }
     if (!logger)
         return false;
-    for (const Line& line : lines)
-        writeTo(*logger, line);
+    lines.forEach([&](const Line& line) { writeTo(*logger, line); });
     if (last != nullptr)
         writeTo(*logger, *last); // The logger flushes it.
     else
@@ -229,12 +261,12 @@ bool Log::isEnabled(Level level)
     return spdlogLevel(level) >= lowestLevel.load(std::memory_order_relaxed);
 }
 
-void Log::write(Level level, std::string line)
+void Log::write(Level level, std::string_view line)
 {
-    Line made{spdlog::log_clock::now(), level, threadName, std::move(line)};
+    const Line made{spdlog::log_clock::now(), level, threadName, line};
     if (level == Level::Error) {
         if (!writeOut(&made))
-            std::fprintf(stderr, "%s\n", Secrets::masked(made.text).c_str());
+            std::fprintf(stderr, "%s\n", Secrets::masked(line).c_str());
         return;
     }
     bool isFull = false;
@@ -242,8 +274,8 @@ void Log::write(Level level, std::string line)
         const std::scoped_lock lock(state().mutex);
         if (!state().logger)
             return;
-        state().queue.push_back(std::move(made));
-        isFull = state().queue.size() >= longestQueue;
+        state().queue.append(made);
+        isFull = state().queue.count() >= longestQueue;
     }
     if (isFull)
         writeOut();
@@ -252,7 +284,7 @@ void Log::write(Level level, std::string line)
 void Log::systemLogLine(std::string_view line)
 {
     if (isEnabled(Level::Info))
-        write(Level::Info, std::string(line));
+        write(Level::Info, line);
 }
 
 void Log::setThreadName(std::string_view name)

@@ -35,7 +35,7 @@ void shutDown();
 void flush();
 
 [[nodiscard]] bool isEnabled(Level level);
-void write(Level level, std::string line);
+void write(Level level, std::string_view line);
 // The platform's system log: a line at info level, so in the file and, where configured, on standard error; syslog is
 // for warnings and errors.
 void systemLogLine(std::string_view line);
