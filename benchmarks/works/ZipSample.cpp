@@ -26,7 +26,7 @@ QByteArray noise(std::size_t size)
     return bytes;
 }
 
-// Words of a made-up language by a law as that of real ones, so that it deflates to about a third, as prose and
+// Words of a made-up language by a law as that of real ones, so that it deflates to less than half, as prose and
 // markup do.
 QByteArray prose(std::size_t size)
 {

@@ -17,7 +17,7 @@ public:
     // An entry counts as read in steps of so many bytes, whatever the size of the pieces: a step that fails gives
     // nothing, and the steps before it count.
     static constexpr unsigned stepSize = 4096;
-    static constexpr unsigned pieceSize = 16 * stepSize;
+    static constexpr unsigned pieceSize = 32 * stepSize;
 
     struct Piece
     {

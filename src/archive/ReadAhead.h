@@ -36,7 +36,7 @@ private:
     // Who has to wait waits until half of the room is free, or filled: a thread that were woken for each piece would
     // be woken thousands of times.
     static constexpr std::size_t entriesAhead = 8;
-    static constexpr std::size_t piecesAhead = 8;
+    static constexpr std::size_t piecesAhead = 4;
 
     // One entry on its way from a thread to the caller. All but the bytes is guarded by m_mutex; the bytes of a piece
     // are the thread's until the piece counts as filled, and the caller's until it is given back.
