@@ -2,6 +2,7 @@
 // with eight conversions and four uploads under way, then with eight recordings being sent; and how long the end takes
 // while uploads hang. Usage: quillpost-benchmark-responsiveness SAMPLES [SECONDS-OF-A-RECORDING]
 #include "DesktopRun.h"
+#include "works/Heartbeat.h"
 
 #include "app/QuillpostAppDelegate.h"
 #include "engine/JobModel.h"
@@ -10,55 +11,22 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
-#include <vector>
 
 namespace {
-
-using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int conversions = 8;
 constexpr int uploads = 4;
 
-// A timer that is due again and again; how late it comes is how long any event would have waited.
-class Heartbeat
+void report(Heartbeat& heartbeat, const char* what)
 {
-public:
-    Heartbeat()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            const auto now = std::chrono::steady_clock::now();
-            m_late.push_back(std::max(0.0, Milliseconds(now - m_before).count() - interval));
-            m_before = now;
-        });
-    }
-    void start()
-    {
-        m_late.clear();
-        m_before = std::chrono::steady_clock::now();
-        m_timer.start(interval);
-    }
-    void report(const char* what)
-    {
-        m_timer.stop();
-        std::sort(m_late.begin(), m_late.end());
-        if (m_late.empty())
-            return;
-        std::printf("%-44s %7zu beats, late by (ms): median %5.2f, 99 %% %5.2f, worst %6.2f\n", what, m_late.size(),
-                    m_late[m_late.size() / 2], m_late[m_late.size() * 99 / 100], m_late.back());
-        std::fflush(stdout);
-    }
-
-private:
-    static constexpr int interval = 2; // ms
-    QTimer m_timer;
-    std::chrono::steady_clock::time_point m_before;
-    std::vector<double> m_late;
-};
+    heartbeat.stop();
+    std::printf("%-44s %7zu beats, late by (ms): median %5.2f, 99 %% %5.2f, worst %6.2f\n", what, heartbeat.beats(),
+                heartbeat.lateBy(0.5), heartbeat.lateBy(0.99), heartbeat.lateBy(1));
+    std::fflush(stdout);
+}
 
 void turnFor(std::chrono::milliseconds time)
 {
@@ -88,7 +56,7 @@ void measure(DesktopRun& run, const QString& seconds)
 
     heartbeat.start();
     turnFor(std::chrono::seconds(5));
-    heartbeat.report("idle window");
+    report(heartbeat, "idle window");
 
     run.service().addOverride("test_custupload2.php", {.hang = true});
     (void)run.submit(QStringLiteral("Doe-Jane-2026-03-04.txt"), small);
@@ -98,12 +66,12 @@ void measure(DesktopRun& run, const QString& seconds)
                           [&] { return run.delegate().jobModel().numberOfRunningFfmpegProcesses() == conversions; });
     heartbeat.start();
     DesktopRun::turnUntil("the end of the conversions", [&] { return haveAll(*job, JobStatusSegmentAdded); });
-    heartbeat.report("8 conversions, 4 uploads that wait");
+    report(heartbeat, "8 conversions, 4 uploads that wait");
 
     heartbeat.start();
     run.service().clearOverrides();
     DesktopRun::turnUntil("the results", [&] { return job->status() == JobStatusCompleted; });
-    heartbeat.report("8 uploads, 4 at a time, then the download");
+    report(heartbeat, "8 uploads, 4 at a time, then the download");
 
     run.service().addOverride("test_custupload2.php", {.hang = true});
     (void)run.submit(QStringLiteral("Okafor-Grace-2026-03-18.txt"), small);

@@ -1,9 +1,9 @@
 // One stretch of a job's road, done by the engine and measured. What it is beside does the same to the same files.
 #include "works/WorkEngine.h"
+#include "works/WorkJob.h"
 
 #include <QCoreApplication>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -18,12 +18,6 @@ struct Arguments
     QStringList files;
 };
 
-bool haveAll(const Job& job, int status)
-{
-    const auto files = job.mediaFiles();
-    return std::all_of(files.begin(), files.end(), [&](const auto& file) { return file->status() >= status; });
-}
-
 WorkEngine::Setting settingOf(const Arguments& given)
 {
     return {.secureHost = given.secureHost, .fileHost = given.fileHost, .folder = given.folder};
@@ -33,11 +27,11 @@ WorkEngine::Setting settingOf(const Arguments& given)
 void convert(const Arguments& given)
 {
     WorkEngine engine(settingOf(given));
-    const auto job = engine.job(given.transcript, given.files, JobStatusInfoExtracted);
+    const auto job = workJob(given.transcript, given.files, JobStatusInfoExtracted);
     engine.model().addJobsObject(job);
     const Usage usage;
     engine.model().convertToMP3AndUpload(job);
-    engine.turnUntil([&] { return haveAll(*job, JobStatusConverted); });
+    engine.turnUntil([&] { return haveAllFilesReached(*job, JobStatusConverted); });
     printReport(usage.sinceThen());
 }
 
@@ -45,7 +39,7 @@ void convert(const Arguments& given)
 void upload(const Arguments& given)
 {
     WorkEngine engine(settingOf(given));
-    const auto job = engine.job(given.transcript, given.files, JobStatusSegmentAdded);
+    const auto job = workJob(given.transcript, given.files, JobStatusSegmentAdded);
     for (const auto& file : job->mediaFiles())
         file->setMp3FilePath(file->sourceFilePath());
     engine.startCommands();
@@ -53,14 +47,14 @@ void upload(const Arguments& given)
     const Usage usage;
     for (const auto& file : job->mediaFiles())
         engine.model().uploadMediaFile(file, job);
-    engine.turnUntil([&] { return haveAll(*job, JobStatusUploaded); });
+    engine.turnUntil([&] { return haveAllFilesReached(*job, JobStatusUploaded); });
     printReport(usage.sinceThen());
 }
 
 void deliver(const Arguments& given)
 {
     WorkEngine engine(settingOf(given));
-    const auto job = engine.job(given.transcript, given.files, JobStatusReadyForDownload);
+    const auto job = workJob(given.transcript, given.files, JobStatusReadyForDownload);
     engine.startCommands();
     engine.model().addJobsObject(job);
     const Usage usage;

@@ -8,7 +8,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QJsonDocument>
 #include <QTimer>
 
 #include <cstdio>
@@ -90,27 +89,6 @@ WorkEngine::~WorkEngine()
     Log::shutDown();
 }
 
-std::shared_ptr<Job> WorkEngine::job(const QString& transcript, const QStringList& media, std::optional<int> status)
-{
-    auto job = Job::job();
-    job->setTranscriptFile(transcript);
-    job->setDeponentFirstName(QStringLiteral("Jane"));
-    job->setDeponentLastName(QStringLiteral("Doe"));
-    job->setShortCaption(QStringLiteral("Doe v. Roe"));
-    job->setAutoSyncProdID(11);
-    job->setMan24ProdID(24);
-    for (const QString& path : media)
-        job->insertObject(MediaFile::mediaFileWithPath(path), job->mediaFiles().size());
-    if (!status)
-        return job;
-    job->setOrderNum(5120);
-    job->setDepoNum(883);
-    for (const auto& file : job->mediaFiles())
-        file->setStatus(*status);
-    job->setStatus(*status);
-    return job;
-}
-
 void WorkEngine::turnUntil(const std::function<bool()>& condition)
 {
     QTimer patience;
@@ -136,10 +114,4 @@ QJsonObject Usage::sinceThen() const
             {QStringLiteral("cpu"), cpuOf(RUSAGE_SELF) - m_cpu},
             {QStringLiteral("childrenCpu"), cpuOf(RUSAGE_CHILDREN) - m_childrenCpu},
             {QStringLiteral("peakMegabytes"), peakMegabytes()}};
-}
-
-void printReport(const QJsonObject& report)
-{
-    std::puts(QJsonDocument(report).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
 }

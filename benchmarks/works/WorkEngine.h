@@ -5,16 +5,13 @@
 #include "foundation/ApplicationServices.h"
 #include "foundation/MainThread.h"
 #include "foundation/UserDefaults.h"
-#include "model/Job.h"
 
 #include <QJsonObject>
 #include <QString>
-#include <QStringList>
 
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 
 // The engine as the programs put it together, with its log and its saved jobs, below a folder of its own. Main thread,
 // under a QCoreApplication. An error that it presents ends the process with a message: work that failed is not
@@ -41,9 +38,6 @@ public:
 
     [[nodiscard]] JobModel& model() { return *m_model; }
     void startCommands() { m_processor->start(); }
-    // A job of the sample transcript and these recordings; with its numbers and at that status where one is given.
-    [[nodiscard]] std::shared_ptr<Job> job(const QString& transcript, const QStringList& media,
-                                           std::optional<int> status = std::nullopt);
     // Turns the main loop.
     void turnUntil(const std::function<bool()>& condition);
 
@@ -71,5 +65,3 @@ private:
     double m_cpu;
     double m_childrenCpu;
 };
-
-void printReport(const QJsonObject& report);

@@ -3,7 +3,6 @@
 #include "app/DesktopWindows.h"
 #include "app/QuillpostAppDelegate.h"
 #include "settings/Preferences.h"
-#include "settings/ServiceHosts.h"
 #include "ui/login/LoginWindowController.h"
 #include "ui/submit/SubmitJobWindowController.h"
 
@@ -23,17 +22,18 @@ constexpr std::chrono::seconds longestWait{300};
 
 } // namespace
 
-DesktopRun::DesktopRun(QString samples, int processorCount) : m_samples(std::move(samples))
+DesktopRun::DesktopRun(QString samples, int processorCount, const std::optional<ServiceHosts>& elsewhere)
+    : m_samples(std::move(samples))
 {
     m_defaults = std::make_unique<UserDefaults>(m_home.filePath(QStringLiteral("Quillpost.ini")));
     UserDefaults::setStandard(m_defaults.get());
     Preferences::initialize(*m_defaults, processorCount, m_home.filePath(QStringLiteral("data")), m_home.path());
-    const auto hosts = ServiceHosts::fromTexts(QString::fromStdString(m_service.secureHost()),
-                                               QString::fromStdString(m_service.fileHost()));
+    const auto demo = ServiceHosts::fromTexts(QString::fromStdString(m_service.secureHost()),
+                                              QString::fromStdString(m_service.fileHost()));
     m_delegate = std::make_unique<QuillpostAppDelegate>(
         QuillpostAppDelegate::Environment{.defaults = *m_defaults,
                                           .dialogs = m_dialogs,
-                                          .hosts = std::get<ServiceHosts>(hosts),
+                                          .hosts = elsewhere.value_or(std::get<ServiceHosts>(demo)),
                                           .open = [](const QUrl&) { return true; },
                                           .statusCheckTimeInterval = 0.3,
                                           .instructionsCheckTimeInterval = 0.3,

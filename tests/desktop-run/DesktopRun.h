@@ -3,6 +3,7 @@
 #include "demo-service/Service.h"
 #include "foundation/MainThread.h"
 #include "foundation/UserDefaults.h"
+#include "settings/ServiceHosts.h"
 #include "ui/UserDialogs.h"
 
 #include <QDir>
@@ -11,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class DesktopWindows;
 class Job;
@@ -34,7 +36,8 @@ class DesktopRun
 {
 public:
     // `samples` is the folder of the sample transcript, which is copied into the home.
-    DesktopRun(QString samples, int processorCount);
+    // Another service than the demo service may be given.
+    DesktopRun(QString samples, int processorCount, const std::optional<ServiceHosts>& elsewhere = std::nullopt);
     ~DesktopRun(); // ends the engine; what hangs ends with the process
     DesktopRun(const DesktopRun&) = delete;
     DesktopRun& operator=(const DesktopRun&) = delete;
