@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -36,9 +37,9 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
 }
 
 // A file without a name that holds the bytes, to be read from its beginning.
-int inputDescriptor(const QByteArray& bytes)
+int fileOf(const QByteArray& bytes)
 {
-    const int descriptor = ::memfd_create("input", 0);
+    const int descriptor = ::memfd_create("bytes", MFD_CLOEXEC);
     if (::write(descriptor, bytes.constData(), static_cast<std::size_t>(bytes.size())) != bytes.size())
         fail(QStringLiteral("the input of a program could not be written"));
     ::lseek(descriptor, 0, SEEK_SET);
@@ -56,6 +57,15 @@ QByteArray readToEnd(int descriptor)
         else if (count == 0 || errno != EINTR)
             return all;
     }
+}
+
+// The end of what a program wrote to standard error.
+QString lastWords(int descriptor)
+{
+    constexpr off_t longest = 2000;
+    const off_t size = ::lseek(descriptor, 0, SEEK_END);
+    ::lseek(descriptor, std::max<off_t>(0, size - longest), SEEK_SET);
+    return QString::fromLocal8Bit(readToEnd(descriptor));
 }
 
 } // namespace
@@ -86,7 +96,8 @@ ChildRun runChild(const QStringList& command, const ChildOptions& options)
     const std::vector<char*> argumentPointers = pointersTo(arguments);
     std::vector<char*> variablePointers = pointersTo(variables);
     const std::string folder = QFile::encodeName(options.folder).toStdString();
-    const int input = inputDescriptor(options.input);
+    const int input = fileOf(options.input);
+    const int errors = fileOf({});
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         fail(QStringLiteral("no pipe could be made"));
@@ -98,6 +109,7 @@ ChildRun runChild(const QStringList& command, const ChildOptions& options)
             ::_exit(127);
         ::dup2(input, STDIN_FILENO);
         ::dup2(ends[1], STDOUT_FILENO);
+        ::dup2(errors, STDERR_FILENO); // thousands of lines of ffmpeg's and the log's
         ::environ = variablePointers.data();
         ::execvp(argumentPointers[0], argumentPointers.data());
         ::_exit(127);
@@ -113,7 +125,9 @@ ChildRun runChild(const QStringList& command, const ChildOptions& options)
         fail(command.join(u' ') + QStringLiteral(" could not be run"));
     run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     if (!WIFEXITED(status) || WEXITSTATUS(status) != EXIT_SUCCESS)
-        fail(command.join(u' ').left(400) + QStringLiteral(" ended with ") + QString::number(status));
+        fail(command.join(u' ').left(400) + QStringLiteral(" ended with ") + QString::number(status) + u'\n' +
+             lastWords(errors));
+    ::close(errors);
     run.cpuSeconds = secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
     run.peakMegabytes = static_cast<double>(usage.ru_maxrss) / 1024.0;
     return run;

@@ -62,7 +62,9 @@ QJsonObject uploading(JobModel& model, const QString& transcript, const QStringL
     for (const auto& file : job->mediaFiles())
         model.uploadMediaFile(file, job);
     DesktopRun::turnUntil("the uploads", [&] { return haveAllFilesReached(*job, JobStatusUploaded); });
-    return figures(heartbeat);
+    const QJsonObject report = figures(heartbeat);
+    model.removeJobsObject(job); // The end of the program would delete what it takes for MP3s of its own.
+    return report;
 }
 
 } // namespace
