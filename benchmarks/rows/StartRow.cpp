@@ -20,6 +20,7 @@ struct Setting
 struct Program
 {
     QString name;
+    QString title; // the beginning of that of its window
     QStringList command;
     QList<Setting> settings;
 };
@@ -27,17 +28,20 @@ struct Program
 QList<Program> others()
 {
     return {{QStringLiteral("transmission-qt"),
+             QStringLiteral("Transmission"),
              {QStringLiteral("transmission-qt")},
              {{QStringLiteral(".config/transmission/settings.json"),
                R"({"user-has-given-informed-consent": true, "rpc-enabled": false, "dht-enabled": false,
                    "lpd-enabled": false, "pex-enabled": false, "port-forwarding-enabled": false})"}}},
             {QStringLiteral("keepassxc"),
+             QStringLiteral("KeePassXC"),
              {QStringLiteral("keepassxc")},
              {{QStringLiteral(".config/keepassxc/keepassxc.ini"),
                "[General]\nConfigVersion=2\nUpdateCheckMessageShown=true\n[GUI]\nCheckForUpdates=false\n"}}},
             {QStringLiteral("qbittorrent"),
+             QStringLiteral("qBittorrent"),
              {QStringLiteral("qbittorrent")},
-             {{QStringLiteral(".config/qBittorrent/qBittorrent.ini"),
+             {{QStringLiteral(".config/qBittorrent/qBittorrent.conf"),
                "[LegalNotice]\nAccepted=true\n[BitTorrent]\nSession\\DHTEnabled=false\nSession\\LSDEnabled=false\n"
                "Session\\PeXEnabled=false\n[Network]\nPortForwardingEnabled=false\n"}}}};
 }
@@ -68,6 +72,8 @@ public:
             environment.remove(QString::fromLatin1(name));
         const QJsonObject report =
             Bench::runChild(QStringList{m_work} + program.command, {.environment = environment}).report();
+        if (const QString title = report.value(QStringLiteral("title")).toString(); !title.startsWith(program.title))
+            Bench::fail(program.name + QStringLiteral(" first shows: ") + title);
         figures.milliseconds.push_back(report.value(QStringLiteral("seconds")).toDouble() * 1000);
         figures.resident.push_back(report.value(QStringLiteral("residentMegabytes")).toDouble());
         figures.proportional.push_back(report.value(QStringLiteral("proportionalMegabytes")).toDouble());
@@ -104,7 +110,13 @@ bool isKnown(const std::vector<double>& figures)
 std::vector<Bench::Row> Rows::start(const Bench::Context& context)
 {
     const Starts starts(context);
-    const Program own{QStringLiteral("quillpost"), {context.program(QStringLiteral("quillpost"))}, {}};
+    // Nothing is sent to the service before somebody logs in.
+    const Program own{QStringLiteral("quillpost"),
+                      QStringLiteral("Log In"),
+                      {context.program(QStringLiteral("quillpost")), QStringLiteral("--secure-host"),
+                       QStringLiteral("https://127.0.0.1:9"), QStringLiteral("--file-host"),
+                       QStringLiteral("http://127.0.0.1:9")},
+                      {}};
     std::vector<Bench::Row> rows;
     for (const Program& other : others()) {
         Figures ours;

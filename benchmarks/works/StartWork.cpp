@@ -51,20 +51,36 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
-    // False when no window comes in time.
-    [[nodiscard]] bool waitForWindow(Clock::time_point deadline) const
+    // 0 when no window comes in time.
+    [[nodiscard]] xcb_window_t waitForWindow(Clock::time_point deadline) const
     {
         for (;;) {
             while (const Freed<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
-                if ((event->response_type & 0x7f) == XCB_MAP_NOTIFY &&
-                    isWindow(*reinterpret_cast<const xcb_map_notify_event_t*>(event.get())))
-                    return true;
+                if ((event->response_type & 0x7f) != XCB_MAP_NOTIFY)
+                    continue;
+                const auto& mapped = *reinterpret_cast<const xcb_map_notify_event_t*>(event.get());
+                if (isWindow(mapped))
+                    return mapped.window;
             }
             const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
             pollfd descriptor{xcb_get_file_descriptor(m_connection), POLLIN, 0};
             if (left <= 0 || ::poll(&descriptor, 1, static_cast<int>(left)) < 0)
-                return false;
+                return 0;
         }
+    }
+
+    // Without what a JSON text would have to escape.
+    [[nodiscard]] std::string titleOf(xcb_window_t window) const
+    {
+        const Freed<xcb_get_property_reply_t> title(xcb_get_property_reply(
+            m_connection, xcb_get_property(m_connection, 0, window, XCB_ATOM_WM_NAME, XCB_GET_PROPERTY_TYPE_ANY, 0, 64),
+            nullptr));
+        std::string text;
+        if (title)
+            text.assign(static_cast<const char*>(xcb_get_property_value(title.get())),
+                        static_cast<std::size_t>(xcb_get_property_value_length(title.get())));
+        std::erase_if(text, [](char c) { return c < ' ' || c == '"' || c == '\\'; });
+        return text;
     }
 
 private:
@@ -109,20 +125,22 @@ int main(int argc, char** argv)
         ::execvp(argv[1], argv + 1);
         ::_exit(127);
     }
-    const bool hasWindow = child > 0 && screen.waitForWindow(begin + longestWait);
+    const xcb_window_t window = child > 0 ? screen.waitForWindow(begin + longestWait) : 0;
     const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     int status = 0;
-    if (!hasWindow || ::kill(child, SIGSTOP) != 0 || ::waitpid(child, &status, WUNTRACED) != child ||
+    if (window == 0 || ::kill(child, SIGSTOP) != 0 || ::waitpid(child, &status, WUNTRACED) != child ||
         !WIFSTOPPED(status)) {
         ::kill(-child, SIGKILL);
         fail(std::string(argv[1]) + " showed no window");
     }
+    const std::string title = screen.titleOf(window);
     const std::string folder = "/proc/" + std::to_string(child);
     const double resident = figureOf(folder + "/status", "VmRSS:");
     const double proportional = figureOf(folder + "/smaps_rollup", "Pss:");
     ::kill(-child, SIGKILL);
     ::waitpid(child, &status, 0);
-    std::printf("{\"seconds\": %.6f, \"residentMegabytes\": %.3f, \"proportionalMegabytes\": %.3f}\n", seconds,
-                resident, proportional);
+    std::printf(
+        "{\"seconds\": %.6f, \"residentMegabytes\": %.3f, \"proportionalMegabytes\": %.3f, \"title\": \"%s\"}\n",
+        seconds, resident, proportional, title.c_str());
     return EXIT_SUCCESS;
 }
