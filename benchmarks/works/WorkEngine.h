@@ -25,7 +25,7 @@ public:
         QString fileHost;
         QString folder;
         // Of the command queue. Short where the waits of the design are not what is measured.
-        std::chrono::milliseconds tick{1};
+        std::chrono::milliseconds tick{2};
         double pollInterval = 3600; // s
         int limit = 2;              // of conversions
         int uploads = 4;

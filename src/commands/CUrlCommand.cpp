@@ -22,7 +22,7 @@ namespace {
 constexpr long maximumRedirections = 30;
 
 // An upload reports its progress for each buffer that it fills, and waits while the main thread hears of it.
-constexpr long uploadBufferSize = 1L << 20;
+constexpr long uploadBufferSize = 2L << 20; // the largest that libcurl takes
 
 // A function and its data go together: libcurl's own function would take the command for a file. None can be refused.
 constexpr std::array callbackOptions{CURLOPT_WRITEFUNCTION, CURLOPT_WRITEDATA,     CURLOPT_PROGRESSFUNCTION,
