@@ -128,7 +128,7 @@ std::vector<Row> Rows::delivery(const Context& context)
                .work = QStringLiteral("largest resident set of it"),
                .unit = QStringLiteral("MB")};
     const auto ours = [&] {
-        const QString folder = freshFolder(context, QStringLiteral("delivery"));
+        const QString folder = freshFolder(context, QStringLiteral("delivery-ours"));
         settleDisk();
         const QJsonObject report =
             runChild({context.program(QStringLiteral("quillpost-bench-engine")), QStringLiteral("deliver"),
@@ -141,7 +141,7 @@ std::vector<Row> Rows::delivery(const Context& context)
         memory.ours.push_back(report.value(QStringLiteral("peakMegabytes")).toDouble());
     };
     const auto theirs = [&] {
-        const QString folder = freshFolder(context, QStringLiteral("delivery"));
+        const QString folder = freshFolder(context, QStringLiteral("delivery-theirs"));
         settleDisk();
         const double seconds =
             runChild({QStringLiteral("sh"), QStringLiteral("-c"), commandsBeside(delivery, secure.port())},

@@ -6,6 +6,7 @@
 #include "commands/DownloadFileCommand.h"
 #include "commands/MiscStuffCommand.h"
 #include "commands/RegularDownloadFileCommand.h"
+#include "commands/WriteBehind.h"
 #include "foundation/AtomicFile.h"
 #include "foundation/DateText.h"
 #include "foundation/Log.h"
@@ -128,11 +129,13 @@ void DownloadJobFilesCommand::execute()
         return;
     const QString jobFolderPath = PathText::appendingPathComponent(m_folderPath, DeliveryPath::jobFolder(*jobFolder));
 
+    WriteBehind writeBehind;
     for (int i = 0; i < numberOfFiles && !isCancelled(); ++i) {
-        downloadResultFile(i, names.at(i), jobFolderPath);
+        downloadResultFile(i, names.at(i), jobFolderPath, writeBehind);
         reportProgress(i, numberOfFiles);
     }
     downloadDemoDiscFiles(jobFolderPath);
+    writeBehind.stop(); // The flush takes what is left with all the rest.
     if (!isCancelled() && numberOfFiles > 0)
         flushDelivery(jobFolderPath);
     // A delivery cut short by the end of the program is not a delivery.
@@ -228,7 +231,8 @@ std::optional<QString> DownloadJobFilesCommand::fileTypeSubFolder(const QString&
     return DeliveryPath::fileTypeSubFolder(fileName);
 }
 
-void DownloadJobFilesCommand::downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath)
+void DownloadJobFilesCommand::downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath,
+                                                 WriteBehind& writeBehind)
 {
     const QString name = DeliveryPath::fileName(listedName);
     const std::optional<QString> subFolder = fileTypeSubFolder(name);
@@ -251,8 +255,12 @@ void DownloadJobFilesCommand::downloadResultFile(int number, const QString& list
     if (download->downloadedFile().receivedSize() == 0)
         m_problems << Text::format("{} came empty", destination);
 
-    if (subFolder == QStringLiteral("Korvane") && PathText::pathExtension(destination) == u"zip")
+    if (subFolder == QStringLiteral("Korvane") && PathText::pathExtension(destination) == u"zip") {
         unzip(destination);
+        writeBehind.add(QFileInfo(destination).path());
+    } else {
+        writeBehind.add(destination);
+    }
 }
 
 bool DownloadJobFilesCommand::noteBrokenFile(const CUrlCommand& command, const DownloadedFile& file,

@@ -9,6 +9,8 @@
 
 #include <optional>
 
+class WriteBehind;
+
 // The whole delivery of one finished job, request after request, on its worker thread: lists the result files, works
 // out the job's folder, downloads each file into the subfolder of its type, unpacks the viewer packages, fetches the
 // demo-disc files, and tells the service that the job is delivered. The requests inside are never posted themselves.
@@ -48,7 +50,8 @@ private:
     [[nodiscard]] std::optional<QStringList> listResultFiles();
     // What the command received is not, or not whole, at `destination`; false when all is well.
     bool noteBrokenFile(const CUrlCommand& command, const DownloadedFile& file, const QString& destination);
-    void downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath);
+    void downloadResultFile(int number, const QString& listedName, const QString& jobFolderPath,
+                            WriteBehind& writeBehind);
     void unzip(const QString& archivePath);
     void downloadDemoDiscFiles(const QString& jobFolderPath);
     void flushDelivery(const QString& jobFolderPath) const;

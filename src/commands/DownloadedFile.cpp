@@ -4,8 +4,6 @@
 
 #include <QFileInfo>
 
-#include <fcntl.h>
-
 bool DownloadedFile::create(const QString& path)
 {
     m_outputFile.setFileName(path);
@@ -31,6 +29,4 @@ void DownloadedFile::writeOut()
     if (!m_trouble.isEmpty())
         Log::error("Unable to write file: {}, error = {}", m_outputFile.fileName(), m_trouble);
     m_downloadedData->clear();
-    // A delivery is flushed whole before the service hears of it: by then most of it is on disk.
-    ::sync_file_range(m_outputFile.handle(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }

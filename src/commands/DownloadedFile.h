@@ -19,7 +19,7 @@ public:
     void setBuffer(std::shared_ptr<TransferBuffer> buffer) { m_downloadedData = std::move(buffer); }
     [[nodiscard]] bool isMade() const { return m_outputFile.isOpen(); }
     std::size_t append(const char* bytes, std::size_t size, std::size_t number);
-    // Everything received, in one go; also after a transfer that failed. Its way to the disk begins at once.
+    // Everything received, in one go; also after a transfer that failed.
     void writeOut();
     // What kept the file from holding all that was received, in words; empty when nothing did. After writeOut().
     [[nodiscard]] const QString& trouble() const { return m_trouble; }
