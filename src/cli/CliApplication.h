@@ -2,7 +2,6 @@
 
 #include "cli/CommandLine.h"
 #include "cli/ExitCode.h"
-#include "settings/PasswordVariables.h"
 #include "cli/Reporter.h"
 #include "cli/ServiceRequest.h"
 #include "commands/CUrlCommandProcessor.h"
@@ -11,6 +10,7 @@
 #include "foundation/ApplicationServices.h"
 #include "foundation/FileLogger.h"
 #include "foundation/UserDefaults.h"
+#include "settings/PasswordVariables.h"
 #include "settings/ServiceHosts.h"
 
 #include <QString>

@@ -1,6 +1,5 @@
 #include "cli/CliApplication.h"
 #include "cli/CommandLine.h"
-#include "settings/PasswordVariables.h"
 #include "cli/Runs.h"
 #include "foundation/HeapArenas.h"
 #include "foundation/Interruption.h"
@@ -9,6 +8,7 @@
 #include "foundation/Secrets.h"
 #include "foundation/UserFolders.h"
 #include "foundation/Version.h"
+#include "settings/PasswordVariables.h"
 
 #include <QCoreApplication>
 #include <QTimer>
