@@ -13,6 +13,7 @@
 #include <csignal>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 static_assert(CURL_ERROR_SIZE == 256);
 
@@ -39,7 +40,7 @@ std::size_t writeFunction(char* bytes, std::size_t size, std::size_t number, voi
 
 int progressFunction(void* command, double dlTotal, double dlNow, double ulTotal, double ulNow)
 {
-    return static_cast<CUrlCommand*>(command)->progressCallbackDLTotal(dlTotal, dlNow, ulTotal, ulNow);
+    return static_cast<CUrlCommand*>(command)->progressCalled(dlTotal, dlNow, ulTotal, ulNow);
 }
 
 // Takes libcurl's own remarks away from standard error. Bodies pass here too and may hold passwords: nothing is kept.
@@ -254,6 +255,14 @@ std::size_t CUrlCommand::selfBodyFunction(const char* bytes, std::size_t size, s
 {
     setData(QByteArray(bytes, static_cast<qsizetype>(size * number)));
     return size * number;
+}
+
+int CUrlCommand::progressCalled(double dlTotal, double dlNow, double ulTotal, double ulNow)
+{
+    const Progress progress{dlTotal, dlNow, ulTotal, ulNow};
+    if (std::exchange(m_lastProgress, progress) == progress)
+        return 0;
+    return progressCallbackDLTotal(dlTotal, dlNow, ulTotal, ulNow);
 }
 
 int CUrlCommand::progressCallbackDLTotal(double dlTotal, double dlNow, double ulTotal, double ulNow)

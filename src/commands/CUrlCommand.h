@@ -67,6 +67,8 @@ public:
 
     // Sinks of libcurl's callbacks, on the worker thread.
     std::size_t selfBodyFunction(const char* bytes, std::size_t size, std::size_t number);
+    // libcurl's calls: those that repeat the one before tell nothing and go no further.
+    int progressCalled(double dlTotal, double dlNow, double ulTotal, double ulNow);
     int progressCallbackDLTotal(double dlTotal, double dlNow, double ulTotal, double ulNow);
 
 protected:
@@ -81,8 +83,11 @@ private:
         double dlNow;
         double ulTotal;
         double ulNow;
+
+        bool operator==(const Progress&) const = default;
     };
     void notifyObserverProgressFromMainThread(const Progress& progress);
+    std::optional<Progress> m_lastProgress; // of the transfer's thread
     void applyOptions();
     void watchSockets();
     static int openSocket(void* command, int purpose, void* address);

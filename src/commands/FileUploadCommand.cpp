@@ -5,34 +5,8 @@
 #include "foundation/Log.h"
 #include "foundation/PathText.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <curl/curl.h>
-
-#include <algorithm>
-
-namespace {
-
-// Everything there is to be read, whatever the attributes said of its size.
-bool readWhole(const QString& path, qint64 size, TransferBuffer& data)
-{
-    constexpr std::size_t piece = 1 << 20;
-    // One byte more than there should be finds the end without another piece of memory.
-    const std::size_t expected = static_cast<std::size_t>(size) + 1;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !data.room(expected))
-        return false;
-    for (;;) {
-        const std::size_t wanted = data.size() < expected ? std::min(expected - data.size(), piece) : piece;
-        char* const place = data.room(wanted);
-        const qint64 count = place ? file.read(place, static_cast<qint64>(wanted)) : -1;
-        if (count <= 0)
-            return count == 0;
-        data.added(static_cast<std::size_t>(count));
-    }
-}
-
-} // namespace
 
 std::optional<FileUploadCommand::File> FileUploadCommand::readFile(const QString& path)
 {
@@ -44,7 +18,7 @@ std::optional<FileUploadCommand::File> FileUploadCommand::readFile(const QString
         return std::nullopt;
     }
     file.size = attributes.size();
-    if (!attributes.isFile() || !readWhole(file.path, file.size, file.data)) {
+    if (!file.data.read(file.path)) {
         Log::error("Unable to get data of file: {}", file.path);
         return std::nullopt;
     }
@@ -58,7 +32,7 @@ FileUploadCommand::FileUploadCommand(const QString& url, const QString& user, co
     m_post.addText("user", user.toUtf8());
     m_post.addText("pass", password.toUtf8());
     m_post.addText("file_size", QByteArray::number(m_file.size));
-    m_post.addFile("file", destFileName.toUtf8(), m_file.data.view());
+    m_post.addFile("file", destFileName.toUtf8(), m_file.data);
     m_post.addText("submit", "Submit Query");
 
     setPointer(PointerHolder::pointerHolderWithPtr(m_post.first()), CURLOPT_HTTPPOST);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "commands/CUrlCommand.h"
+#include "commands/HeldFile.h"
 #include "commands/MultipartForm.h"
-#include "commands/TransferBuffer.h"
 #include "settings/ServiceHosts.h"
 
 #include <optional>
@@ -21,7 +21,7 @@ protected:
     {
         QString path;
         qint64 size = 0; // from its attributes
-        TransferBuffer data;
+        HeldFile data;
     };
     // Nothing for a file that cannot be read, after an error line.
     [[nodiscard]] static std::optional<File> readFile(const QString& path);

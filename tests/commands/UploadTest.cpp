@@ -122,6 +122,17 @@ TEST_F(UploadTest, TheFileIsSentAsItWasWhenTheCommandWasMade)
     EXPECT_EQ(partsSent().at(3), "file|x.mp3|application/octet-stream|before");
 }
 
+TEST_F(UploadTest, ALargeFileThatIsCutMeanwhileFailsTheUploadAndNotTheProgram)
+{
+    const QString path = writeFile(u"a.mp3"_s, QByteArray(6'000'000, 'a'));
+    const auto command = upload(path, u"5120-883-1-a.mp3"_s);
+    ASSERT_TRUE(command);
+    ASSERT_TRUE(QFile::resize(path, 1000));
+    command->execute();
+    EXPECT_NE(command->result(), 0);
+    EXPECT_TRUE(log.text().contains(u"The file was changed while it was uploaded"_s));
+}
+
 TEST_F(UploadTest, AFileThatGrewSinceItsSizeWasTakenIsReadToItsEnd)
 {
     // What the system makes up as it is read has no size.
