@@ -154,7 +154,7 @@ TEST_F(StateKeeperTest, AnotherFileTakesOverAndNobodyWaitsInVain)
 
 TEST_F(StateKeeperTest, ThousandsOfJobsAreEncodedInSeveralTurnsOfTheMainThread)
 {
-    constexpr int count = 3000;
+    constexpr int count = 1000;
     std::vector<std::shared_ptr<Job>> jobs;
     for (int number = 1; number <= count; ++number) {
         jobs.push_back(Job::job());
