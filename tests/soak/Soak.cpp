@@ -7,15 +7,19 @@
 #include "foundation/MainThread.h"
 #include "foundation/NumberReading.h"
 #include "foundation/Text.h"
+#include "media/ChildProcess.h"
 #include "media/FfmpegLocation.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -27,6 +31,7 @@ constexpr int linesOfATranscript = 40;
 constexpr double pollInterval = 0.5; // seconds; a minute in the program
 constexpr std::chrono::milliseconds patienceWithAJob{60000};
 constexpr std::chrono::milliseconds pauseBeforeTryingAgain{300};
+constexpr std::chrono::seconds longestConversion{30};
 constexpr std::chrono::milliseconds timeOfAMeasure{4000};
 constexpr double largestGrowth = 0.05;
 
@@ -59,11 +64,14 @@ bool Soak::makeFiles()
 {
     for (int i = 0; i < recordings; ++i) {
         const QString path = m_folder.filePath(Text::format("recording {}.wav", i));
-        QProcess ffmpeg;
-        ffmpeg.start(FfmpegLocation::ffmpegPath(FfmpegLocation::programFolder()),
-                     {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"), QStringLiteral("lavfi"),
-                      QStringLiteral("-i"), Text::format("sine=frequency={}:duration=1", 300 + 40 * i), path});
-        if (!ffmpeg.waitForFinished() || ffmpeg.exitCode() != 0)
+        // Not through QProcess: thread sanitizers lose sight of a thread that starts one.
+        ChildProcess ffmpeg;
+        const QString problem =
+            ffmpeg.start(FfmpegLocation::ffmpegPath(FfmpegLocation::programFolder()),
+                         {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"), QStringLiteral("lavfi"),
+                          QStringLiteral("-i"), Text::format("sine=frequency={}:duration=1", 300 + 40 * i), path},
+                         STDERR_FILENO);
+        if (!problem.isEmpty() || !ffmpeg.waitForEnd(longestConversion) || QFileInfo(path).size() == 0)
             return false;
         m_recordings << path;
     }
