@@ -18,6 +18,10 @@ struct Context
     QDir samples{};   // the sample transcripts
     QDir folder{};    // for the files that are worked on; kept between runs where it is safe to
 
+    [[nodiscard]] QString transcript() const
+    {
+        return samples.absoluteFilePath(QStringLiteral("Doe-Jane-2026-03-04.txt"));
+    }
     [[nodiscard]] QString program(const QString& name) const { return programs.filePath(name); }
 };
 

@@ -51,7 +51,7 @@ std::vector<Row> Rows::conversion(const Context& context)
         const QJsonObject report =
             runChild(QStringList{context.program(QStringLiteral("quillpost-bench-engine")), QStringLiteral("convert"),
                                  QStringLiteral("https://") + nowhere, QStringLiteral("http://") + nowhere, folder,
-                                 context.samples.absoluteFilePath(QStringLiteral("Doe-Jane-2026-03-04.txt"))} +
+                                 context.transcript()} +
                      inputs)
                 .report();
         wall.ours.push_back(report.value(QStringLiteral("seconds")).toDouble());

@@ -22,39 +22,13 @@ QByteArray contentsOf(const QString& path)
     return file.readAll();
 }
 
-// Lines as an aligned transcript has them: about a fifth of their size when packed.
-QByteArray timedLines(long long size, int seed)
-{
-    QByteArray text;
-    text.reserve(size + 128);
-    for (int line = seed * 7919; text.size() < size; ++line)
-        text += QByteArray::number(line) + "\t" + QByteArray::number(line * 2.713, 'f', 3) +
-                "\tQ. And on the day of line " + QByteArray::number(line * 31 % 9973) + ", did you see the car?\r\n";
-    text.truncate(size);
-    return text;
-}
-
-// Half film and sound, which no packing makes smaller, half text.
+// Half text, half media, as unpacking alone is measured with.
 QString zipOf(const Context& context, long long size)
 {
     const QString path = context.folder.filePath(QStringLiteral("Delivery-%1.zip").arg(size));
-    if (QFileInfo::exists(path))
-        return path;
-    const QDir folder(freshFolder(context, QStringLiteral("to-zip")));
-    for (int i = 0; i < zipEntries; ++i) {
-        const bool isText = i % 2 == 0;
-        QFile file(folder.filePath(QStringLiteral("%1.%2").arg(i).arg(QLatin1String(isText ? "txt" : "mpg"))));
-        const long long part = size / zipEntries;
-        if (!file.open(QIODevice::WriteOnly) ||
-            file.write(isText ? timedLines(part, i) : noise(part, static_cast<unsigned>(i))) != part)
-            fail(file.fileName() + QStringLiteral(" could not be written"));
-    }
-    const QString beside = path + QStringLiteral(".new");
-    (void)runChild({QStringLiteral("bsdtar"), QStringLiteral("--format"), QStringLiteral("zip"), QStringLiteral("-c"),
-                    QStringLiteral("-f"), beside, QStringLiteral(".")},
-                   {.folder = folder.path()});
-    QFile::rename(beside, path);
-    QDir(folder).removeRecursively();
+    if (!QFileInfo::exists(path))
+        (void)runChild({context.program(QStringLiteral("quillpost-bench-unzip")), QStringLiteral("--make"), path,
+                        QString::number(zipEntries), QString::number(size)});
     return path;
 }
 
@@ -133,8 +107,7 @@ std::vector<Row> Rows::delivery(const Context& context)
         const QJsonObject report =
             runChild({context.program(QStringLiteral("quillpost-bench-engine")), QStringLiteral("deliver"),
                       QStringLiteral("https://127.0.0.1:%1").arg(secure.port()),
-                      QStringLiteral("http://127.0.0.1:%1").arg(plain.port()), folder,
-                      context.samples.absoluteFilePath(QStringLiteral("Doe-Jane-2026-03-04.txt"))})
+                      QStringLiteral("http://127.0.0.1:%1").arg(plain.port()), folder, context.transcript()})
                 .report();
         wall.ours.push_back(report.value(QStringLiteral("seconds")).toDouble());
         flushed.ours.push_back(wall.ours.back()); // A delivery ends when it is on disk.

@@ -105,14 +105,13 @@ RoadWaits::Result travel(const Context& context, const QStringList& inputs, int 
     options.environment.insert(QStringLiteral("PATH"),
                                folder + QStringLiteral("/bin:") + options.environment.value(QStringLiteral("PATH")));
     settleDisk();
-    const QJsonObject report =
-        runChild(QStringList{context.program(QStringLiteral("quillpost-bench-road")),
-                             QStringLiteral("https://127.0.0.1:%1").arg(secure.port()),
-                             QStringLiteral("http://127.0.0.1:%1").arg(plain.port()), folder, QString::number(phase),
-                             context.samples.absoluteFilePath(QStringLiteral("Doe-Jane-2026-03-04.txt"))} +
-                     inputs,
-                 options)
-            .report();
+    const QJsonObject report = runChild(QStringList{context.program(QStringLiteral("quillpost-bench-road")),
+                                                    QStringLiteral("https://127.0.0.1:%1").arg(secure.port()),
+                                                    QStringLiteral("http://127.0.0.1:%1").arg(plain.port()), folder,
+                                                    QString::number(phase), context.transcript()} +
+                                            inputs,
+                                        options)
+                                   .report();
     std::vector<RoadWaits::Work> works;
     addFfmpegRuns(folder, works);
     addTransfers(secure, service.requests(), works);

@@ -59,12 +59,11 @@ std::vector<Row> Rows::uploads(const Context& context)
         const QString folder = freshFolder(context, QStringLiteral("uploads"));
         const QString host = QStringLiteral("://127.0.0.1:%1").arg(service.port());
         const long long before = service.received();
-        const QJsonObject report =
-            runChild(QStringList{context.program(QStringLiteral("quillpost-bench-engine")), QStringLiteral("upload"),
-                                 QStringLiteral("https") + host, QStringLiteral("http") + host, folder,
-                                 context.samples.absoluteFilePath(QStringLiteral("Doe-Jane-2026-03-04.txt"))} +
-                     files)
-                .report();
+        const QJsonObject report = runChild(QStringList{context.program(QStringLiteral("quillpost-bench-engine")),
+                                                        QStringLiteral("upload"), QStringLiteral("https") + host,
+                                                        QStringLiteral("http") + host, folder, context.transcript()} +
+                                            files)
+                                       .report();
         if (service.received() - before < uploadsAtOnce * size)
             fail(QStringLiteral("the uploads did not arrive whole"));
         wall.ours.push_back(report.value(QStringLiteral("seconds")).toDouble());

@@ -63,7 +63,7 @@ Bench::Context contextOf(const QCommandLineParser& parser)
                            .folder = QDir(QFileInfo(parser.value(QStringLiteral("folder"))).absoluteFilePath())};
     if (context.runs < 1 || context.scale <= 0)
         Bench::fail(QStringLiteral("--runs and --scale take numbers above 0"));
-    if (!QFileInfo::exists(context.samples.filePath(QStringLiteral("Doe-Jane-2026-03-04.txt"))))
+    if (!QFileInfo::exists(context.transcript()))
         Bench::fail(QStringLiteral("--samples has to name the folder of the sample transcripts"));
     if (!context.folder.mkpath(QStringLiteral(".")))
         Bench::fail(QStringLiteral("the folder %1 could not be made").arg(context.folder.path()));

@@ -1,4 +1,5 @@
 // One stretch of a job's road, done by the engine and measured. What it is beside does the same to the same files.
+#include "harness/Report.h"
 #include "works/WorkEngine.h"
 #include "works/WorkJob.h"
 
@@ -32,7 +33,7 @@ void convert(const Arguments& given)
     const Usage usage;
     engine.model().convertToMP3AndUpload(job);
     engine.turnUntil([&] { return haveAllFilesReached(*job, JobStatusConverted); });
-    printReport(usage.sinceThen());
+    Bench::printReport(usage.sinceThen());
 }
 
 // Files that are there already, as MP3s of a job.
@@ -48,7 +49,7 @@ void upload(const Arguments& given)
     for (const auto& file : job->mediaFiles())
         engine.model().uploadMediaFile(file, job);
     engine.turnUntil([&] { return haveAllFilesReached(*job, JobStatusUploaded); });
-    printReport(usage.sinceThen());
+    Bench::printReport(usage.sinceThen());
 }
 
 void deliver(const Arguments& given)
@@ -60,7 +61,7 @@ void deliver(const Arguments& given)
     const Usage usage;
     engine.model().downloadJob(job);
     engine.turnUntil([&] { return job->status() == JobStatusCompleted; });
-    printReport(usage.sinceThen());
+    Bench::printReport(usage.sinceThen());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // How late events come to the main thread with the windows open: idle, while recordings are converted, and while files
 // are uploaded.
 #include "DesktopRun.h"
+#include "harness/Report.h"
 #include "works/Heartbeat.h"
 #include "works/WorkJob.h"
 
@@ -89,8 +90,8 @@ int main(int argc, char** argv)
     const QJsonObject quiet = idle();
     const QJsonObject conversion = converting(model, transcript, arguments.mid(4, between - 4));
     const QJsonObject upload = uploading(model, transcript, arguments.mid(between + 1));
-    printReport({{QStringLiteral("idle"), quiet},
-                 {QStringLiteral("conversions"), conversion},
-                 {QStringLiteral("uploads"), upload}});
+    Bench::printReport({{QStringLiteral("idle"), quiet},
+                        {QStringLiteral("conversions"), conversion},
+                        {QStringLiteral("uploads"), upload}});
     return EXIT_SUCCESS;
 }

@@ -2,13 +2,13 @@
 // a time, each page painted: all with the jobs closed and with them open. "ours" is the program's own list in its main
 // window; "bare" is a plain tree over Qt's own models with the same texts, columns and row height, in a window of the
 // same size. Usage: quillpost-bench-joblist ours|bare JOBS
+#include "harness/Report.h"
 #include "works/ManyJobs.h"
 
 #include "ui/main/JobListModel.h"
 
 #include <QApplication>
 #include <QHeaderView>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QMainWindow>
 #include <QScrollBar>
@@ -201,7 +201,6 @@ int main(int argc, char** argv)
         const Texts texts = textsOf(*list.model());
         figures = measureBare(list, texts);
     }
-    std::puts(QJsonDocument(figures).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
+    Bench::printReport(figures);
     std::_Exit(EXIT_SUCCESS); // The end of thousands of jobs is none of what is measured.
 }

@@ -1,8 +1,9 @@
 // Reads a transcript as the submit window does when a file is chosen: quillpost-bench-parse TRANSCRIPT.
+#include "harness/Report.h"
+
 #include "transcript/TranscriptPrefill.h"
 
 #include <QCoreApplication>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
 
@@ -24,6 +25,6 @@ int main(int argc, char** argv)
                              {QStringLiteral("firstName"), reading->firstName},
                              {QStringLiteral("lastName"), reading->lastName},
                              {QStringLiteral("date"), reading->dateString}};
-    std::puts(QJsonDocument(report).toJson(QJsonDocument::Compact).constData());
+    Bench::printReport(report);
     return EXIT_SUCCESS;
 }

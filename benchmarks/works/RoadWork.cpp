@@ -1,5 +1,6 @@
 // One job from its submission to its delivered files, with the waits as they are in the product, and when each of its
 // steps was taken.
+#include "harness/Report.h"
 #include "works/WorkEngine.h"
 #include "works/WorkJob.h"
 
@@ -123,6 +124,6 @@ int main(int argc, char** argv)
     engine.turnUntil([&] { return job->status() == JobStatusCompleted; });
     QJsonObject report = steps.report(submitted, now());
     report.insert(QStringLiteral("queueStarted"), queueStarted);
-    printReport(report);
+    Bench::printReport(report);
     return EXIT_SUCCESS;
 }

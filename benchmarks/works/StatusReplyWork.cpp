@@ -1,15 +1,15 @@
 // Applies the service's reply to a status request to as many known jobs, with the list of jobs shown: once with every
 // word changed, once with the same words again. How long the main thread is taken up by it, and how long an event waits
 // at most until the list shows it all. Usage: quillpost-bench-statusreply DEPOSITIONS local|server [FILE-FOR-THE-REPLY]
+#include "harness/Report.h"
+#include "works/Heartbeat.h"
 #include "works/ManyJobs.h"
 
 #include "engine/JobModel.h"
 
 #include <QApplication>
 #include <QFile>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QTimer>
 
 #include <cstdio>
 #include <ctime>
@@ -22,28 +22,6 @@ double millisecondsSince(Clock::time_point begin)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
 }
-
-// How late a timer that is due again and again comes at most.
-class Heartbeat
-{
-public:
-    Heartbeat()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            m_worst = std::max(m_worst, millisecondsSince(m_before) - interval);
-            m_before = Clock::now();
-        });
-        m_timer.start(interval);
-    }
-    [[nodiscard]] double worst() const { return m_worst; }
-
-private:
-    static constexpr int interval = 1; // ms
-    QTimer m_timer;
-    Clock::time_point m_before = Clock::now();
-    double m_worst = 0;
-};
 
 // Of this thread.
 double processorMilliseconds()
@@ -68,9 +46,11 @@ Figures apply(Bench::ManyJobs& jobs, const QString& reply)
     jobs.jobModel().processCheckJobsStatusOnServerResponse(reply);
     const double applied = millisecondsSince(begin);
     const double processor = processorMilliseconds() - processorBefore;
-    const Heartbeat heartbeat;
+    Heartbeat heartbeat;
+    heartbeat.start();
     jobs.turnUntilShown();
-    return {applied, processor, heartbeat.worst()};
+    heartbeat.stop();
+    return {applied, processor, heartbeat.lateBy(1)};
 }
 
 } // namespace
@@ -102,7 +82,6 @@ int main(int argc, char** argv)
                               {QStringLiteral("unchangedMilliseconds"), unchanged.applied},
                               {QStringLiteral("unchangedProcessor"), unchanged.processor},
                               {QStringLiteral("unchangedLongestTurn"), unchanged.longestTurn}};
-    std::puts(QJsonDocument(figures).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
+    Bench::printReport(figures);
     std::_Exit(EXIT_SUCCESS); // The end of thousands of jobs is none of what is measured.
 }

@@ -1,9 +1,6 @@
 #include "works/WorkJob.h"
 
-#include <QJsonDocument>
-
 #include <algorithm>
-#include <cstdio>
 
 std::shared_ptr<Job> workJob(const QString& transcript, const QStringList& media, std::optional<int> status)
 {
@@ -30,10 +27,4 @@ bool haveAllFilesReached(const Job& job, int status)
 {
     const auto files = job.mediaFiles();
     return std::all_of(files.begin(), files.end(), [&](const auto& file) { return file->status() >= status; });
-}
-
-void printReport(const QJsonObject& report)
-{
-    std::puts(QJsonDocument(report).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
 }

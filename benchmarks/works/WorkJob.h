@@ -2,7 +2,6 @@
 
 #include "model/Job.h"
 
-#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -16,6 +15,3 @@
 
 // Whether every file has come so far.
 [[nodiscard]] bool haveAllFilesReached(const Job& job, int status);
-
-// The last line of a work's output.
-void printReport(const QJsonObject& report);

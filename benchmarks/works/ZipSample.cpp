@@ -1,5 +1,7 @@
 #include "works/ZipSample.h"
 
+#include "harness/InputFiles.h"
+
 #include "archive/ZipHandles.h"
 
 #include <QByteArray>
@@ -14,17 +16,6 @@ namespace {
 // Sizes in tenths of the mean; their mean is ten.
 constexpr std::array<std::uint64_t, 8> sizesInTenths{1, 20, 4, 16, 6, 14, 9, 10};
 constexpr std::size_t stockSize = 8U << 20;
-
-QByteArray noise(std::size_t size)
-{
-    std::mt19937 random(7);
-    QByteArray bytes;
-    while (static_cast<std::size_t>(bytes.size()) < size) {
-        const auto word = static_cast<std::uint32_t>(random());
-        bytes.append(reinterpret_cast<const char*>(&word), sizeof word);
-    }
-    return bytes;
-}
 
 // Words of a made-up language by a law as that of real ones, so that it deflates to less than half, as prose and
 // markup do.
@@ -62,7 +53,7 @@ bool ZipSample::write(const QString& path, int entries, std::uint64_t bytes)
     const std::uint64_t mean = bytes / static_cast<std::uint64_t>(std::max(entries, 1));
     const std::uint64_t stock = std::max<std::uint64_t>(stockSize, 4 * mean);
     const QByteArray text = prose(stock);
-    const QByteArray media = noise(stock);
+    const QByteArray media = Bench::noise(static_cast<long long>(stock), 7);
     std::mt19937_64 random(13);
     for (int i = 0; zip && i < entries; ++i) {
         const std::uint64_t size = mean * sizesInTenths[static_cast<std::size_t>(i / 4) % sizesInTenths.size()] / 10;

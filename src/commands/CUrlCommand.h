@@ -87,7 +87,6 @@ private:
         bool operator==(const Progress&) const = default;
     };
     void notifyObserverProgressFromMainThread(const Progress& progress);
-    std::optional<Progress> m_lastProgress; // of the transfer's thread
     void applyOptions();
     void watchSockets();
     static int openSocket(void* command, int purpose, void* address);
@@ -100,6 +99,7 @@ private:
 
     std::unique_ptr<void, HandleDeleter> m_curlObject;
     char m_errorBuffer[256] = {};
+    std::optional<Progress> m_lastProgress; // of the transfer's thread
     std::atomic<int> m_result{0};
     std::map<int, OptionValue> m_options; // changed before the command is posted, read by execute()
     std::atomic<CUrlCommandResultObserver*> m_observer{nullptr};

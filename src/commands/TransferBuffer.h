@@ -30,5 +30,5 @@ public:
 private:
     char* m_data = nullptr;
     std::size_t m_size = 0;
-    std::size_t m_capacity = 0; // a whole number of large pages
+    std::size_t m_capacity = 0;
 };
