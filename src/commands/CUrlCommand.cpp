@@ -22,8 +22,9 @@ namespace {
 // Newer libraries stop at thirty redirections by themselves; this one would follow a loop for ever.
 constexpr long maximumRedirections = 30;
 
-// An upload reports its progress for each buffer that it fills, and waits while the main thread hears of it.
-constexpr long uploadBufferSize = 2L << 20; // the largest that libcurl takes
+// An upload reports its progress for each buffer that it fills, and waits while the main thread hears of it: few turns
+// for a recording. What does not fit into a processor's second cache would be fetched from memory twice.
+constexpr long uploadBufferSize = 1L << 20;
 
 // The shorter key first, as browsers have it: it is as safe for what is sent here, and takes an eighth less of both
 // ends' processors.
