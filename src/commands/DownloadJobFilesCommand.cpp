@@ -2,6 +2,7 @@
 
 #include "archive/ZipArchive.h"
 #include "commands/DeliveryFlush.h"
+#include "commands/DeliveryFolder.h"
 #include "commands/DeliveryPath.h"
 #include "commands/DownloadFileCommand.h"
 #include "commands/MiscStuffCommand.h"
@@ -130,11 +131,16 @@ void DownloadJobFilesCommand::execute()
     const QString jobFolderPath = PathText::appendingPathComponent(m_folderPath, DeliveryPath::jobFolder(*jobFolder));
 
     WriteBehind writeBehind;
+    DeliveryFolder folder(jobFolderPath);
     for (int i = 0; i < numberOfFiles && !isCancelled(); ++i) {
         downloadResultFile(i, names.at(i), jobFolderPath, writeBehind);
+        folder.keepInSight();
         reportProgress(i, numberOfFiles);
     }
     downloadDemoDiscFiles(jobFolderPath);
+    if (!folder.isInPlace())
+        m_problems << Text::format("{} was moved or taken away meanwhile, with the files that were in it",
+                                   jobFolderPath);
     writeBehind.stop(); // The flush takes what is left with all the rest.
     if (!isCancelled() && numberOfFiles > 0)
         flushDelivery(jobFolderPath);

@@ -53,6 +53,12 @@ struct LoginReplyCase
     QString text;
 };
 
+// In a list of tests.
+void PrintTo(const LoginReplyCase& each, std::ostream* stream)
+{
+    *stream << testing::PrintToString(each.reply.toStdString());
+}
+
 class LoginReplyTest : public testing::TestWithParam<LoginReplyCase>
 {};
 

@@ -223,6 +223,12 @@ struct JobFolderCase
     QString folder;
 };
 
+// In a list of tests.
+void PrintTo(const JobFolderCase& each, std::ostream* stream)
+{
+    *stream << testing::PrintToString(each.facts.at(1).substr(0, 20));
+}
+
 class HostileJobFolderTest : public DownloadJobFaultsTest, public testing::WithParamInterface<JobFolderCase>
 {};
 

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <optional>
 
@@ -64,6 +65,54 @@ TEST(LocalFaults, AFileInTheWayOfTheDeliveryFolderIsTold)
     const Outcome outcome =
         run.meet([&] { run.writeFile(u"delivery"_s, "in the way"); }, [&] { QFile::remove(folder); });
     expectToldAndNotLost(outcome, u"could not be made"_s);
+    EXPECT_EQ(outcome.then, u"completed; whole when delivered again"_s);
+}
+
+// A delivery that has its first file when the volume that it goes to disappears.
+class VolumeRun : public JobRun
+{
+public:
+    VolumeRun() : JobRun(delivery, FaultKind::Silence), m_disk(path(u"delivery"_s)) {}
+
+    [[nodiscard]] Outcome loseVolume()
+    {
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, &look, [&] {
+            if (service.hanging() == 0)
+                return;
+            look.stop();
+            takeAway();
+            service.releaseHangs();
+        });
+        return meet(
+            [&] {
+                // The names, the end of their list, and the first file.
+                const auto listed = static_cast<int>(service.job(883)->deliverables.size());
+                service.addOverride("test_downloadjob2.php", {.times = listed + 2});
+                service.addOverride("test_downloadjob2.php", {.hang = true, .times = 1});
+                look.start(std::chrono::milliseconds(5));
+            },
+            [] {});
+    }
+
+private:
+    void takeAway()
+    {
+        // Where mounting is not permitted, another folder is there at once.
+        const QString folder = path(u"delivery"_s);
+        if (!m_disk.takeAway()) {
+            ASSERT_TRUE(QDir().rename(folder, path(u"gone"_s)) && QDir().mkdir(folder));
+        }
+    }
+
+    SmallDisk m_disk;
+};
+
+TEST(LocalFaults, AVolumeThatDisappearsDuringADeliveryIsToldAndTheFilesComeWhenDeliveredAgain)
+{
+    VolumeRun run;
+    const Outcome outcome = run.loseVolume();
+    expectToldAndNotLost(outcome, u"was moved or taken away meanwhile, with the files that were in it"_s);
     EXPECT_EQ(outcome.then, u"completed; whole when delivered again"_s);
 }
 
