@@ -38,8 +38,8 @@ struct Store
 
 Store& store()
 {
-    static Store theStore;
-    return theStore;
+    static Store* const theStore = new Store; // The log masks until its thread ends, whatever the order of the end.
+    return *theStore;
 }
 
 std::shared_ptr<const Forms> currentForms()

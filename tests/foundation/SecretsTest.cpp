@@ -7,6 +7,7 @@
 #include <QFile>
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -35,6 +36,20 @@ std::string maskedOf(const std::string& text)
 }
 
 } // namespace
+
+// The log's thread may still write while the program exits.
+TEST(SecretsDeathTest, AreMaskedToTheVeryEnd)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // In a process that has masked nothing yet.
+    EXPECT_EXIT(
+        {
+            // What is registered first comes last.
+            std::atexit([] { std::fputs(Secrets::masked(std::string_view("is lastpass")).c_str(), stderr); });
+            Secrets::add(u"lastpass"_s);
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "^is \\*\\*\\*$");
+}
 
 TEST(Secrets, ATextWithoutAnyStaysAsItIs)
 {
