@@ -179,12 +179,17 @@ TEST_F(LogTest, LinesOfAThreadStayInOrderWhoeverWritesThemOut)
 
 TEST_F(LogTest, MoreLinesThanMayWaitAreWrittenByWhoAddsThem)
 {
-    configure();
-    for (int line = 0; line < 300'000; ++line)
-        Log::verbose("{}", line);
-    EXPECT_NE(onDisk(), QString());
-    Log::flush();
-    EXPECT_TRUE(onDisk().endsWith(u"] 299999\n"_s));
+    // The periodic flush may have just begun a new file, hardly five times.
+    bool wasWritten = false;
+    for (int attempt = 0; attempt < 5 && !wasWritten; ++attempt) {
+        configure();
+        for (int line = 0; line < 300'000; ++line)
+            Log::verbose("{}", line);
+        wasWritten = !onDisk().isEmpty();
+        Log::flush();
+        EXPECT_TRUE(onDisk().endsWith(u"] 299999\n"_s));
+    }
+    EXPECT_TRUE(wasWritten);
 }
 
 TEST_F(LogTest, ValuesAreKeptAsTheyStand)
