@@ -161,8 +161,9 @@ void QuillpostAppDelegate::userLoggedIn(const QString& userName, const QString& 
     m_mainWindowController->setUserContactID(contactID);
     if (!takeSavedJobs())
         return;
-    m_jobModel->loadState(temporaryFolder());
+    // First: the work that goes on begins as the jobs are read, and the user may be told of a problem meanwhile.
     m_jobModel->keepState(temporaryFolder());
+    m_jobModel->loadState(temporaryFolder());
     m_ownsSavedJobs = true;
     m_jobModel->startJobProcessing();
 }

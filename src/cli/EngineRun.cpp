@@ -40,8 +40,9 @@ void EngineRun::startEngine()
             "for two depositions of this transcript in `quillpost-cli jobs`.",
             job->name()));
     });
-    model.loadState(application().tempFolder());
+    // First: the work that goes on begins as the jobs are read, and the user may be told of a problem meanwhile.
     model.keepState(application().tempFolder());
+    model.loadState(application().tempFolder());
     model.startJobProcessing();
     m_blockedCheck.start(blockedCheckRate);
 }

@@ -106,8 +106,8 @@ void Soak::makeEngine()
     m_model->setPassword(QStringLiteral("demo1234"));
     m_model->setContactID(QStringLiteral("4711"));
     connect(m_model.get(), &JobModel::jobStopped, this, &Soak::jobStopped);
-    m_model->loadState(m_model->tempFilesFolder());
     m_model->keepState(m_model->tempFilesFolder());
+    m_model->loadState(m_model->tempFilesFolder());
     m_model->startJobProcessing();
 }
 
