@@ -56,11 +56,14 @@ bool HeldFile::read(const QString& path)
 
 bool HeldFile::map(std::size_t size)
 {
-    void* const memory = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, m_descriptor, 0);
+    void* const memory = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, m_descriptor, 0);
     if (memory == MAP_FAILED)
         return false;
     m_map = static_cast<char*>(memory);
     m_mapSize = size;
+    // Brings it from the disk now. Not by touching the mapping: the other threads, the window's among them, would wait
+    // for the disk wherever they change what memory there is.
+    ::posix_fadvise(m_descriptor, 0, 0, POSIX_FADV_WILLNEED);
     return true;
 }
 

@@ -7,10 +7,10 @@
 #include <cstddef>
 #include <ctime>
 
-// A file held in memory whole while it is sent, as it was when this was made. Small files are copied. Those of a
-// recording's size are mapped, which costs neither the time nor the memory of a copy: should somebody change or cut
-// such a file meanwhile, copy() says so before the last of it is given out, so that no mixture is sent as the file.
-// Made on one thread, read on another.
+// A file held while it is sent, as it was when this was made. Small files are copied. Those of a recording's size are
+// mapped and read out of the system's cache, which costs neither the time nor the memory of a copy: should somebody
+// change or cut such a file meanwhile, copy() says so before the last of it is given out, so that no mixture is sent as
+// the file. Made on one thread, read on another.
 class HeldFile
 {
 public:
